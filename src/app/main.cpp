@@ -1,0 +1,64 @@
+#include "app/main_window.h"
+#include "app/program_values.h"
+#include "i18n/language.h"
+#include "i18n/language_chooser.h"
+#include "inet/transfer_component.h"
+#include "platform/beep.h"
+#include "platform/end_requests.h"
+#include "platform/places.h"
+#include "platform/sound.h"
+#include "platform/text_editor.h"
+#include "shell/settings_store.h"
+#include "shell/sole_input.h"
+
+#include <QApplication>
+#include <QSessionManager>
+#include <cstdlib>
+
+namespace {
+
+/// Lets the user choose a language at the very first start. False when the program was told to end meanwhile.
+bool ChooseLanguage(Language& texts, SettingsStore& settings, ErrorRecord& errors, const EndRequests& requests)
+{
+    SoleInput input;
+    LanguageChooser chooser({texts, settings, input, errors});
+    QObject::connect(&requests, &EndRequests::Requested, &chooser, &LanguageChooser::End);
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &chooser, &LanguageChooser::End);
+    ChooseLanguageAtFirstStart(chooser, settings);
+    return !chooser.Ended();
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    QApplication program(count, words);
+    QApplication::setApplicationName("Tolvane");
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    SettingsStore settings;
+    Language texts = LanguageFrom(settings);
+    ProgramValues values;
+    const EndRequests requests;
+    if (!ChooseLanguage(texts, settings, values.Errors, requests)) return 0;
+
+    Surroundings around;
+    around.ProgramFolder = ProgramFolder();
+    around.MakeInet = [] { return std::make_unique<TransferComponent>(); };
+    around.Beep = &Beep;
+    SoundPlayer sounds;
+    around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };
+    around.OpenTextEditor = &OpenTextEditor;
+    around.Now = &QDateTime::currentDateTime;
+    around.Quit = [] { QCoreApplication::exit(0); };
+    around.EndAtOnce = [] { std::_Exit(0); };
+
+    MainWindow window(values, settings, texts, around);
+    QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
+    QObject::connect(&program, &QGuiApplication::commitDataRequest, &window, &QWidget::close);
+
+    window.Form_Load();
+    if (window.Ended()) return 0;
+    window.show();
+    return QApplication::exec();
+}

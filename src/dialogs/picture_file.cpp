@@ -1,0 +1,89 @@
+#include "dialogs/picture_file.h"
+
+#include "base/byte_text.h"
+
+#include <QImageReader>
+#include <algorithm>
+#include <filesystem>
+
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+constexpr qint64 MaxCost = qint64{224} << 20;
+
+LoadedPicture Refused(PictureFault fault)
+{
+    LoadedPicture picture;
+    picture.Fault = fault;
+    return picture;
+}
+
+LoadedPicture Sized(const QSize& size, const QSize& room, qreal ratio)
+{
+    LoadedPicture picture;
+    picture.Shown = FitInto(size, room);
+    picture.Pixels = (QSizeF(picture.Shown) * ratio).toSize().boundedTo(size);
+    return picture;
+}
+
+}  // namespace
+
+QSize FitInto(const QSize& picture, const QSize& room)
+{
+    if (picture.width() <= room.width() && picture.height() <= room.height()) return picture;
+    return picture.scaled(room, Qt::KeepAspectRatio).expandedTo({1, 1});
+}
+
+#ifdef Q_OS_WIN
+
+bool OpenPicture(QFile& file, const QString& name)
+{
+    file.setFileName(name);
+    return file.open(QIODevice::ReadOnly);
+}
+
+#else
+
+// A pipe or a device is never waited for.
+bool OpenPicture(QFile& file, const QString& name)
+{
+    const int handle = open(FilePath(name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (handle < 0) return false;
+    struct stat found = {};
+    if (fstat(handle, &found) == 0 && S_ISREG(found.st_mode) &&
+        file.open(handle, QIODevice::ReadOnly, QFile::AutoCloseHandle))
+        return true;
+    close(handle);
+    return false;
+}
+
+#endif
+
+LoadedPicture LoadPicture(const QString& name, const QSize& room, qreal ratio)
+{
+    QFile file;
+    if (!OpenPicture(file, name)) return Refused(PictureFault::Unreadable);
+    const PictureFacts facts = ReadPictureFacts(file);
+    if (facts.Fault != PictureFault::None) return Refused(facts.Fault);
+
+    file.seek(0);
+    QImageReader reader(&file, facts.Format);
+    reader.setAutoTransform(true);
+    const bool turned = reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+    LoadedPicture picture = Sized(turned ? facts.Size.transposed() : facts.Size, room, ratio);
+    if (DecodingCost(facts, picture.Pixels) > MaxCost) return Refused(PictureFault::TooLarge);
+    if (facts.Frames > 1) {
+        picture.Moving = true;
+        return picture;
+    }
+    if (facts.Index > 0) reader.jumpToImage(facts.Index);
+    const QSize pixels = turned ? picture.Pixels.transposed() : picture.Pixels;
+    if (pixels != facts.Size) reader.setScaledSize(pixels);
+    picture.Still = reader.read();
+    return picture.Still.isNull() ? Refused(PictureFault::NoPicture) : picture;
+}

@@ -1,0 +1,150 @@
+#pragma once
+
+#include "inet/ftp/control_connection.h"
+#include "inet/ftp/data_ends.h"
+#include "inet/ftp/guard.h"
+#include "inet/ftp/operation.h"
+#include "inet/ftp/transfer.h"
+#include "inet/ftp/wire.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Ftp {
+
+/// Where a session leads and who visits.
+struct Target {
+    std::string Host;
+    std::uint16_t Port = 21;
+    std::string User;      ///< empty: anonymous
+    std::string Password;  ///< sent to this target and nowhere else
+    std::string Path;      ///< entered after log-in; empty: where the server puts the user
+    bool operator==(const Target&) const = default;
+};
+
+/// How the commands of a session are carried out.
+struct Manner {
+    Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
+    bool ListingLineHelp = true;                    ///< a refused listing line is tried once more by its name
+};
+
+/// How a command ended.
+struct Outcome {
+    bool Good = false;
+    int Code = 0;       ///< the three digits of the reply that decided, or an Internet error number
+    std::string Text;   ///< the server's text, or a plain sentence; never holds the password
+    std::string Reply;  ///< what the command asked for: a listing, a size, a folder
+};
+
+/// What a session tells while it works; called on the transfer thread.
+struct Observer {
+    std::function<void(int)> State;           ///< the numbers of Inet::State, 1 to 10
+    std::function<void(std::string)> Remark;  ///< one line
+};
+
+/// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
+///
+/// A refusal leaves the session as it was. Anything else that goes wrong closes the connection, and the next operation
+/// connects anew, into the same working folder. One operation at a time; transfer thread only.
+class Session {
+public:
+    Session(Network& network, Clock& clock, Observer observer);
+    ~Session();
+
+    /// Carries out an operation, connecting first where there is no connection. Local names are looked for in
+    /// `folder`. Never throws.
+    Task<Outcome> Perform(Target target, Manner manner, Operation operation, std::filesystem::path folder);
+
+    /// Fetches the file at the target's path into memory, on a connection of its own that ends with it.
+    Task<Outcome> Fetch(Target target, Manner manner);
+
+    /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
+    void Cancel();
+
+    /// Closes the connection at once and forgets the working folder.
+    void Drop();
+
+    /// Closes the connection at once; the next operation connects anew, into the same working folder. Not while an
+    /// operation runs.
+    void Disconnect() { CloseConnection(); }
+
+    bool IsConnected() const { return Control != nullptr; }
+
+private:
+    struct Capabilities {
+        bool ExtendedPassive = true;  ///< EPSV has not been refused yet
+        bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
+    };
+
+    // Connecting
+    Task<> Connect();
+    Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
+    Task<> LogIn();
+    Task<> EnterFolders();
+    Task<> HangUp();
+    void CloseConnection();
+
+    // Data connections
+    Task<std::shared_ptr<Wire>> OpenData();
+    Task<std::optional<int>> AskForPort(bool extended);
+    Task<std::shared_ptr<Wire>> TryPort(int port, Milliseconds limit);
+    Task<> SetType(char type);
+
+    // Operations; each returns what was asked for
+    Task<std::string> Do(ListNames);
+    Task<std::string> Do(ListFull);
+    Task<std::string> Do(ChangeFolder operation);
+    Task<std::string> Do(FolderUp);
+    Task<std::string> Do(Receive operation);
+    Task<std::string> Do(Send operation);
+    Task<std::string> Do(Delete operation);
+    Task<std::string> Do(Rename operation);
+    Task<std::string> Do(MakeFolder operation);
+    Task<std::string> Do(RemoveFolder operation);
+    Task<std::string> Do(Size operation);
+    Task<std::string> Do(WorkingFolder);
+    Task<std::string> Do(Close);
+
+    Task<std::string> Run(Operation operation);
+    Task<std::string> RunFetch(std::string path);
+    Task<Outcome> Guarded(Task<std::string> work);
+    bool LeavesSessionAsItWas(const Failure& failure) const;
+    Task<std::string> List(std::string command);
+    std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;
+    Task<Reply> ReceiveAs(std::string name, std::unique_ptr<Sink> sink);
+    Task<Reply> Retrieve(std::string name, Sink& sink);
+    Task<> CheckSize(std::string name, const Transfer& transfer);
+    Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
+    void Begin();
+
+    TransferMeans Means() { return {Net, Why, Time, How.Limit}; }
+
+    // Listing lines given as names
+    std::optional<std::string> NameInLine(const std::string& text) const;
+    std::string FirstChoice(const std::string& text) const;
+    void TellSecondTry(const std::string& name) const;
+
+    Network& Net;
+    Clock& Time;
+    Observer Tell;
+    Intent Why;
+
+    Target Where;
+    Manner How;
+    std::filesystem::path Folder;
+
+    std::unique_ptr<ControlConnection> Control;
+    bool Ready = false;       ///< logged in, and in the working folder
+    bool Unfinished = false;  ///< a transfer is under way: its replies are still owed
+    Capabilities Can;
+    char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
+    std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up
+    std::string LastListing;         ///< the reply of the last LIST
+};
+
+}  // namespace Ftp

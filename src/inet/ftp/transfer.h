@@ -1,0 +1,63 @@
+#pragma once
+
+#include "inet/ftp/control_connection.h"
+#include "inet/ftp/data_ends.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace Ftp {
+
+/// What the transfers of one session share.
+struct TransferMeans {
+    Network& Net;
+    Intent& Why;
+    Clock& Time;
+    Milliseconds Limit;
+};
+
+/// One transfer: the data connection and the replies that go with it (RFC 959, 3.2 and 5.4). It succeeds only when
+/// the data has ended and the server has confirmed, in whichever order; a refusal ends it at once.
+/// The command must have been sent already. Transfer thread only.
+class Transfer {
+public:
+    Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data);
+    ~Transfer();
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    /// Receives into the sink, opened when the server has agreed; it is left to the caller to keep what arrived.
+    /// Returns the final reply, good or bad; a bad one that came instead of a transfer means that nothing arrived.
+    Task<Reply> Receive(Sink& sink);
+
+    /// Sends the file. The same for the final reply.
+    Task<Reply> Send(ReadFile& file, const std::filesystem::path& path);
+
+    std::uint64_t Bytes() const { return Count; }
+
+    /// The first preliminary reply, which may announce the size; Code 0 when there was none.
+    const Reply& Opening() const { return First; }
+
+private:
+    Task<bool> WaitForStart(bool receiving);
+    Task<> Drain(Sink& sink);
+    Task<> DrainByPump(Sink& sink);
+    Task<> DrainByBuffer(Sink& sink);
+    Task<> Pour(ReadFile& file, const std::filesystem::path& path);
+    Task<> PourByPump(ReadFile& file, const std::filesystem::path& path);
+    Task<> PourByBuffer(ReadFile& file, const std::filesystem::path& path);
+    Task<Reply> Finish(Task<> moving);
+    Task<Reply> HearEnd();
+    void Note(const Reply& reply);
+
+    TransferMeans Use;
+    ControlConnection& Control;
+    std::shared_ptr<Wire> Data;
+    Reply First;
+    Reply Final;           ///< Code 0 until it has come
+    bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
+    std::uint64_t Count = 0;
+};
+
+}  // namespace Ftp

@@ -1,0 +1,94 @@
+#include "inet/worker.h"
+
+#include "platform/pump.h"
+
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/post.hpp>
+#include <utility>
+
+Worker::Worker()
+    : Work(asio::make_work_guard(Context)), Network(Context.get_executor()), Time(Context.get_executor()),
+      Session(
+          Network, Time,
+          {[this](int state) { Current.State(state); }, [this](std::string line) { Current.Remark(std::move(line)); }}),
+      Thread([this] { Run(); })
+{
+}
+
+// The session's own tasks end by themselves once its connection is closed, and the thread with the last of them.
+Worker::~Worker()
+{
+    Cancel();
+    asio::post(Context, [this] { Session.Drop(); });
+    Work.reset();
+    Thread.join();
+}
+
+void Worker::Run()
+{
+    BlockPumpSignals();
+    Context.run();
+}
+
+void Worker::Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
+                     Listener listener)
+{
+    Start(Session.Perform(std::move(target), manner, std::move(operation), std::move(folder)), std::move(listener));
+}
+
+void Worker::Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener)
+{
+    Start(Session.Fetch(std::move(target), manner), std::move(listener));
+}
+
+void Worker::Start(Ftp::Task<Ftp::Outcome> command, Listener listener)
+{
+    {
+        const std::lock_guard guard(Lock);
+        Busy = true;
+    }
+    asio::post(Context, [this, command = std::make_shared<Ftp::Task<Ftp::Outcome>>(std::move(command)),
+                         listener = std::move(listener)]() mutable {
+        Current = std::move(listener);
+        asio::co_spawn(Context, Carry(std::move(*command)), asio::detached);
+    });
+}
+
+// The next command may be handed over as soon as the end of this one has been told, so it is over before that.
+Ftp::Task<> Worker::Carry(Ftp::Task<Ftp::Outcome> command)
+{
+    Ftp::Outcome outcome = co_await std::move(command);
+    {
+        const std::lock_guard guard(Lock);
+        Busy = false;
+        Changed.notify_all();
+    }
+    Current.Ended(std::move(outcome));
+}
+
+void Worker::Drop()
+{
+    asio::post(Context, [this] { Session.Drop(); });
+}
+
+// A command that has just ended by itself counts as cancelled all the same, and its connection goes with it: the next
+// one connects anew in every case.
+bool Worker::Cancel()
+{
+    bool asked = false;
+    bool wasOpen = false;
+    asio::post(Context, [&] {
+        const std::lock_guard guard(Lock);
+        wasOpen = Session.IsConnected();
+        if (Busy)
+            Session.Cancel();
+        else
+            Session.Disconnect();
+        asked = true;
+        Changed.notify_all();
+    });
+    std::unique_lock guard(Lock);
+    Changed.wait(guard, [&] { return asked && !Busy; });
+    return wasOpen;
+}

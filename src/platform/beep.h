@@ -1,0 +1,4 @@
+#pragma once
+
+/// Sounds the system's beep. User-interface thread.
+void Beep();

@@ -1,0 +1,95 @@
+#include "shell/asker.h"
+
+#include "base/byte_text.h"
+#include "shell/sole_input.h"
+
+#include <QEventLoop>
+#include <QMessageBox>
+#include <algorithm>
+
+namespace {
+
+QMessageBox::StandardButtons ButtonsOf(Question::Buttons choice)
+{
+    switch (choice) {
+    case Question::YesNo:
+        return QMessageBox::Yes | QMessageBox::No;
+    case Question::RetryCancel:
+        return QMessageBox::Retry | QMessageBox::Cancel;
+    case Question::Ok:
+        break;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::Icon IconOf(Question::Icon sign)
+{
+    switch (sign) {
+    case Question::Information:
+        return QMessageBox::Information;
+    case Question::QuestionMark:
+        return QMessageBox::Question;
+    case Question::Critical:
+        return QMessageBox::Critical;
+    case Question::NoIcon:
+        break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+Answer SafeAnswer(Question::Buttons choice)
+{
+    switch (choice) {
+    case Question::YesNo:
+        return Answer::No;
+    case Question::RetryCancel:
+        return Answer::Cancel;
+    case Question::Ok:
+        break;
+    }
+    return Answer::Ok;
+}
+
+Answer AnswerOf(int button, Question::Buttons choice)
+{
+    switch (button) {
+    case QMessageBox::Yes:
+        return Answer::Yes;
+    case QMessageBox::Retry:
+        return Answer::Retry;
+    default:
+        return SafeAnswer(choice);
+    }
+}
+
+}  // namespace
+
+MessageBoxAsker::MessageBoxAsker(QWidget& window, SoleInput& input) : Window(window), Input(input) {}
+
+Answer MessageBoxAsker::Ask(const Question& question)
+{
+    if (Ended) return SafeAnswer(question.Choice);
+
+    QMessageBox box(IconOf(question.Sign), question.Title, ShownLines(question.Text, '\n'), ButtonsOf(question.Choice),
+                    &Window);
+    box.setTextFormat(Qt::PlainText);
+    box.setWindowModality(Qt::NonModal);
+
+    QEventLoop loop;
+    connect(&box, &QDialog::finished, &loop, &QEventLoop::quit);
+    const SoleInput::Turn turn(Input, box);
+    Open.push_back(&box);
+    box.show();
+    if (question.Foreground) box.raise();
+    box.activateWindow();
+    loop.exec();
+    Open.erase(std::find(Open.begin(), Open.end(), &box));
+
+    return Ended ? SafeAnswer(question.Choice) : AnswerOf(box.result(), question.Choice);
+}
+
+void MessageBoxAsker::End()
+{
+    Ended = true;
+    for (QMessageBox* box : Open) box->reject();
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "transfer/batch.h"
+
+#include <QAbstractButton>
+#include <QObject>
+#include <QString>
+#include <cstdint>
+#include <functional>
+
+/// Sends files: the drop on the remote list, the run over its names, and what follows each sent file.
+/// User-interface thread.
+class Sender final : public QObject {
+    Q_OBJECT
+
+public:
+    struct Controls {
+        ListBox& lstRemoteFiles;
+        ListBox& List1;           ///< the local files
+        QAbstractButton& Check1;  ///< "Disconnect when done."
+    };
+
+    Sender(Controls controls, TransferTools& tools, std::function<void()> beep);
+
+    void lstRemoteFiles_DragDrop(QWidget* source);
+    void Image1_Click();  ///< sends the selected files without a drag
+
+    /// Sends the first TransferCount names from the current folder, one after another, and asks for a listing.
+    /// A blank name ends the run. Always returns 0. Throws ProgramEnding.
+    std::int32_t PutFiles();
+
+    /// What follows a sent file. Throws ProgramEnding.
+    void FinishSend();
+
+private:
+    void SendSelection();
+    bool SendOne(Batch& batch, const QString& name);
+    bool MaySend(const QString& name);
+    bool HasRemote(const QString& name) const;
+
+    Controls Form;
+    TransferTools& Tools;
+    std::function<void()> Beep;
+};

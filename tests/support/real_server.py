@@ -1,0 +1,267 @@
+#!/usr/bin/python3
+"""Keeps one real FTP server alive on a free loopback port for as long as its caller lives.
+
+    real_server.py vsftpd|proftpd|pure-ftpd|pyftpdlib --folder FILES [--address 127.0.0.1|::1] [--servers CACHE]
+
+Serves FILES read-write to one user (see USERS), and to anonymous with any password a client is likely to send. Once
+the server accepts connections, one line of JSON tells what was started: {"port": ..., "user": ..., "password": ...}.
+Then it reads commands: "kill" ends the server with all its sessions at once, as a crash would, and answers "killed";
+the end of the input (the caller closed it, or died) does the same and ends this program. Nothing is left running.
+
+The servers are the ones tools/fetch-servers has unpacked. All four run as root and as an ordinary user. They do not
+change to another user: what they write belongs to whoever started them.
+  vsftpd     runs in its one-process mode, which knows anonymous users only; the password list makes "ftp" a user.
+  proftpd    as an ordinary user anonymous needs a user namespace (unshare -r).
+  pure-ftpd  insists on root and on changing the user: preloaded libraries make it believe so, in a user namespace
+             when started by an ordinary user.
+"""
+import argparse
+import ctypes
+import getpass
+import json
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+CHECKOUT = pathlib.Path(__file__).resolve().parents[2]
+KINDS = ("vsftpd", "proftpd", "pure-ftpd", "pyftpdlib")
+PASSWORD = "Secret-7"
+# The same by crypt(3), with few rounds: a log-in takes no time.
+HASHED_PASSWORD = (
+    "$6$rounds=1000$tolvane$3K02ywIJu2IyUCc/NYpcSvDo7aTGpT5EFCOJN"
+    "uaGiOv/GbiTmiIt5hTx0DL/djvX6ERc483Z6SNCprVNqfN8q."
+)
+USERS = {"vsftpd": "ftp", "proftpd": "tester", "pure-ftpd": "tester", "pyftpdlib": "tester"}
+ANONYMOUS_PASSWORDS = ("anonymous@example.com", "ftp@example.com", "anonymous@", "guest")
+PR_SET_PDEATHSIG, PR_SET_CHILD_SUBREAPER = 1, 36
+START_LIMIT = 20  # seconds
+
+
+def prctl(option, value):
+    ctypes.CDLL(None, use_errno=True).prctl(option, value, 0, 0, 0)
+
+
+def die_with_parent():
+    prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
+
+
+def default_cache():
+    return pathlib.Path(os.environ.get("TOLVANE_CACHE", CHECKOUT / ".cache")) / "servers"
+
+
+class Plan:
+    """How one server is started: its command line and environment, with the files it needs in `work`."""
+
+    def __init__(self, kind, servers, work, folder, address, port):
+        self.servers, self.work, self.folder = servers, work, folder
+        self.address, self.port = address, port
+        self.user = USERS[kind]
+        libraries = sorted({str(path.parent) for path in (servers / "lib").rglob("*.so*")})
+        self.environment = dict(os.environ, LD_LIBRARY_PATH=":".join(libraries), TZ="UTC", LC_ALL="C.UTF-8")
+        self.command = {"vsftpd": self.vsftpd, "proftpd": self.proftpd, "pure-ftpd": self.pure_ftpd,
+                        "pyftpdlib": self.pyftpdlib}[kind]()
+
+    def write(self, name, text, mode=0o600):
+        path = self.work / name
+        path.write_text(text)
+        path.chmod(mode)
+        return path
+
+    def as_root(self, command):
+        return command if os.getuid() == 0 else ["unshare", "--map-root-user", *command]
+
+    def vsftpd(self):
+        passwords = self.write("passwords", "\n".join((PASSWORD, *ANONYMOUS_PASSWORDS)) + "\n")
+        empty = self.work / "empty"
+        empty.mkdir()
+        six = ":" in self.address
+        settings = {
+            "background": "NO", "listen": "NO" if six else "YES", "listen_ipv6": "YES" if six else "NO",
+            "listen_address6" if six else "listen_address": self.address, "listen_port": self.port,
+            "run_as_launching_user": "YES", "ftp_username": getpass.getuser(), "nopriv_user": getpass.getuser(),
+            "anonymous_enable": "YES", "no_anon_password": "NO", "secure_email_list_enable": "YES",
+            "email_password_file": passwords, "anon_root": self.folder, "write_enable": "YES",
+            "anon_upload_enable": "YES", "anon_mkdir_write_enable": "YES", "anon_other_write_enable": "YES",
+            "anon_world_readable_only": "NO", "anon_umask": "022", "secure_chroot_dir": empty,
+            "delay_failed_login": 0, "seccomp_sandbox": "NO", "isolate": "NO", "isolate_network": "NO",
+            "connect_from_port_20": "NO", "xferlog_enable": "NO", "vsftpd_log_file": self.work / "log",
+        }
+        text = "".join(f"{key}={value}\n" for key, value in settings.items())
+        return [self.servers / "vsftpd/usr/sbin/vsftpd", self.write("vsftpd.conf", text)]
+
+    def proftpd(self):
+        # Anonymous is an alias, and would take the named user's own log-in along: it gets a user of its own.
+        users = self.write("users", "".join(f"{user}:{HASHED_PASSWORD}:0:0::{self.folder}:/bin/sh\n"
+                                            for user in (self.user, "guest")))
+        groups = self.write("groups", f"servers:x:0:{self.user},guest\n")
+        text = f"""
+            ServerName "Loopback"
+            ServerType standalone
+            DefaultServer on
+            UseIPv6 on
+            DefaultAddress {self.address}
+            Port {self.port}
+            SocketBindTight on
+            User root
+            Group root
+            RootLogin on
+            AuthOrder mod_auth_file.c
+            AuthUserFile {users}
+            AuthGroupFile {groups}
+            AuthPAM off
+            RequireValidShell off
+            UseFtpUsers off
+            UseReverseDNS off
+            UseEncoding off
+            WtmpLog off
+            TransferLog none
+            SystemLog {self.work}/system.log
+            PidFile {self.work}/pid
+            ScoreboardFile {self.work}/scoreboard
+            DelayEngine off
+            AllowOverwrite on
+            Umask 022
+            <Anonymous {self.folder}>
+                User guest
+                UserAlias anonymous guest
+                UserAlias ftp guest
+                <Limit WRITE>
+                    DenyAll
+                </Limit>
+            </Anonymous>
+            """
+        configuration = self.write("proftpd.conf", text)
+        return self.as_root([self.servers / "proftpd/usr/sbin/proftpd", "--nodaemon", "--config", configuration])
+
+    def pure_ftpd(self):
+        home = f"{self.folder}:/bin/sh\n"
+        users = self.write("nss-users", "root:x:0:0::/:/bin/sh\n"
+                           f"{self.user}:x:5000:5000::{home}ftp:x:5001:5001::{home}")
+        groups = self.write("nss-groups", f"root:x:0:\n{self.user}:x:5000:\nftp:x:5001:\n")
+        virtual = self.write("users", f"{self.user}:{HASHED_PASSWORD}:5000:5000::{self.folder}::::::::::::\n")
+        database = self.work / "users.pdb"
+        subprocess.run([self.servers / "pure-ftpd/usr/bin/pure-pw", "mkdb", database, "-f", virtual], check=True,
+                       env=self.environment)
+        pretence = {"LD_PRELOAD": "libuid_wrapper.so libnss_wrapper.so", "UID_WRAPPER": 1, "UID_WRAPPER_ROOT": 1,
+                    "NSS_WRAPPER_PASSWD": users, "NSS_WRAPPER_GROUP": groups}
+        return self.as_root(["env", *(f"{key}={value}" for key, value in pretence.items()),
+                             self.servers / "pure-ftpd/usr/sbin/pure-ftpd", "-S", f"{self.address},{self.port}",
+                             "-l", f"puredb:{database}", "-H", "-u", "1", "-i", "-f", "none", "-L", "300000:5",
+                             "-g", self.work / "pid"])
+
+    def pyftpdlib(self):
+        library = self.servers / "pyftpdlib/usr/lib/python3/dist-packages"
+        self.environment["PYTHONPATH"] = str(library)
+        program = f"""
+import socket
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import FTPHandler
+from pyftpdlib.servers import FTPServer
+import pyftpdlib.log
+pyftpdlib.log.config_logging(level=40)
+authorizer = DummyAuthorizer()
+authorizer.add_user({self.user!r}, {PASSWORD!r}, {str(self.folder)!r}, perm="elradfmwMT")
+authorizer.add_anonymous({str(self.folder)!r})
+FTPHandler.authorizer = authorizer
+FTPHandler.unicode_errors = "surrogateescape"
+FTPHandler.auth_failed_timeout = 0
+server = FTPServer(({self.address!r}, {self.port}), FTPHandler, backlog=200)
+server.max_cons = 0
+server.serve_forever()
+"""
+        return [sys.executable, self.write("server.py", program)]
+
+
+def free_port(address):
+    family = socket.AF_INET6 if ":" in address else socket.AF_INET
+    with socket.socket(family, socket.SOCK_STREAM) as probe:
+        probe.bind((address, 0))
+        return probe.getsockname()[1]
+
+
+def accepts(address, port, process):
+    """True once the port accepts a connection and says something, False when the server has ended."""
+    deadline = time.monotonic() + START_LIMIT
+    while process.poll() is None and time.monotonic() < deadline:
+        try:
+            with socket.create_connection((address, port), timeout=5) as greeted:
+                if greeted.recv(3) == b"220":
+                    return True
+        except OSError:
+            pass
+        time.sleep(0.005)
+    return False
+
+
+def descendants(pid):
+    found = []
+    for task in pathlib.Path(f"/proc/{pid}/task").glob("*/children"):
+        try:
+            children = [int(child) for child in task.read_text().split()]
+        except OSError:
+            continue
+        for child in children:
+            found += [child, *descendants(child)]
+    return found
+
+
+def kill_all():
+    """Ends every process below this one; orphans come to us, so the loop ends when nothing is left."""
+    while True:
+        for pid in descendants(os.getpid()):
+            try:
+                os.kill(pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+        try:
+            os.waitpid(-1, 0)
+        except ChildProcessError:
+            return
+
+
+def start(kind, servers, work, folder, address):
+    last = ""
+    for attempt in range(5):  # another program may take the port between the choice and the server's start
+        place = work / str(attempt)
+        place.mkdir()
+        plan = Plan(kind, servers, place, folder, address, free_port(address))
+        with open(place / "output", "wb") as output:
+            process = subprocess.Popen([str(part) for part in plan.command], env=plan.environment, cwd=place,
+                                       stdin=subprocess.DEVNULL, stdout=output, stderr=output,
+                                       preexec_fn=die_with_parent)
+        if accepts(address, plan.port, process):
+            return plan
+        kill_all()
+        last = (place / "output").read_text(errors="replace").strip().splitlines()[-3:]
+    sys.exit(f"real_server.py: {kind} does not start on {address}: {' / '.join(last)}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("kind", choices=KINDS)
+    parser.add_argument("--folder", required=True, type=pathlib.Path)
+    parser.add_argument("--address", default="127.0.0.1")
+    parser.add_argument("--servers", default=default_cache(), type=pathlib.Path)
+    options = parser.parse_args()
+    prctl(PR_SET_CHILD_SUBREAPER, 1)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
+    signal.signal(signal.SIGINT, signal.SIG_IGN)
+    with tempfile.TemporaryDirectory(prefix="ftp-server-") as work:
+        try:
+            plan = start(options.kind, options.servers, pathlib.Path(work), options.folder.resolve(), options.address)
+            print(json.dumps({"port": plan.port, "user": plan.user, "password": PASSWORD}), flush=True)
+            for line in sys.stdin:
+                if line.strip() == "kill":
+                    kill_all()
+                    print("killed", flush=True)
+        finally:
+            kill_all()
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+/// One real FTP server on a free loopback port, with a folder of its own that goes away with it. It accepts
+/// connections when the constructor returns; nothing of it is left running, even when the test crashes.
+///
+/// The servers are those of tools/fetch-servers, which is asked to fetch them when they are not there; how each is
+/// set up, and what it needs as root or as an ordinary user, is told in real_server.py.
+class RealServer {
+public:
+    enum Kind { Vsftpd, ProFtpd, PureFtpd, Pyftpdlib };
+
+    static QString NameOf(Kind kind);
+
+    /// `address` is 127.0.0.1 or ::1.
+    explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"));
+    ~RealServer();
+    RealServer(const RealServer&) = delete;
+    RealServer& operator=(const RealServer&) = delete;
+
+    /// Empty when the server runs, else why it does not.
+    QString Complaint() const { return Trouble; }
+
+    /// ftp://127.0.0.1:2121, ftp://[::1]:2121
+    QString Url() const;
+
+    int Port() const { return PortNumber; }
+
+    /// Who may change everything; anonymous may read.
+    QString User() const { return UserName; }
+
+    QString Password() const { return Word; }
+
+    /// Where a log-in begins, as a path on this computer.
+    QString Folder() const { return Files.path(); }
+
+    /// Ends the server and all its sessions at once, as a crash would.
+    void Kill();
+
+private:
+    QByteArray ReadLine();
+
+    QString Address;
+    QTemporaryDir Files;
+    QProcess Keeper;
+    int PortNumber = 0;
+    QString UserName;
+    QString Word;
+    QString Trouble;
+};

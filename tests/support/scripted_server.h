@@ -1,0 +1,128 @@
+#pragma once
+
+#include "support/manual_clock.h"
+#include "support/memory_network.h"
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+/// What goes wrong while a script is played: after that many of its steps the server stops following it.
+struct Disturbance {
+    enum Kinds { None, HangUp, Reset, FallSilent, Call };
+
+    Kinds Kind = None;
+    std::size_t AfterSteps = 0;
+    std::function<void()> What{};  ///< of Call; the server goes on with its script
+};
+
+/// A server that follows a transcript, one step a line:
+///
+///     S: 220 ready          it sends a line (CR LF is added)
+///     S+ 220-par            it sends bytes as they are
+///     C: USER ann           it waits for exactly this command; C: * takes any
+///     D: some bytes         it sends on the data connection
+///     U: some bytes         it waits until the client has sent exactly this on the data connection, and its end
+///     -- listen 4001        connects to this port succeed from now on
+///     -- silent 4001        connects to this port are never answered
+///     -- accept             it waits for the client's data connection
+///     -- end                it ends the data connection
+///     -- break data         it resets the data connection
+///     -- hold data          it reads no more from the data connection than 10 bytes
+///     -- data gone          it waits until the client has closed the data connection
+///     -- close              it ends the control connection
+///     -- break              it resets the control connection
+///     -- gone               it waits until the client has closed the control connection
+///     -- pause 500          it does nothing for that many milliseconds
+///     -- silence            it does nothing any more
+///
+/// \r \n \t \0 \\ and \xHH stand for bytes. A control connection is accepted where the script needs one. What the
+/// client sends against the script makes the server hang up; Complaint tells where.
+class ScriptedServer final : public MemoryServer {
+public:
+    static constexpr int Port = 21;
+
+    ScriptedServer(asio::any_io_executor executor, ManualClock& clock) : Where(std::move(executor)), Time(clock) {}
+
+    /// Starts with the first step of a script; what was not played of the one before is forgotten.
+    void Play(const std::string& script, Disturbance disturbance = {});
+
+    /// The script was followed to its end.
+    bool Finished() const { return Wrong.empty() && At == Steps.size(); }
+
+    /// What is missing, or was wrong; empty when Finished.
+    std::string Complaint() const;
+
+    std::size_t StepCount() const { return Steps.size(); }
+
+    std::size_t StepsDone() const { return At; }
+
+    /// The next control connections give the client so many bytes at a time.
+    void SetSlice(std::size_t bytes) { Slice = bytes; }
+
+    /// The numbers that the host's name leads to.
+    void SetHost(std::vector<asio::ip::address> addresses) { Host = std::move(addresses); }
+
+    /// The look-up of names is never answered.
+    void SetLookupSilent(bool on) { LookupSilent = on; }
+
+    /// An address at which nobody answers at all.
+    void SetDead(const asio::ip::address& address, Answer answer) { Dead.emplace_back(address, answer); }
+
+    /// Where the data connections went.
+    const std::vector<Ftp::Endpoint>& DataPeers() const { return Peers; }
+
+    /// The client's control or data connections that are still open.
+    std::size_t OpenLinks() const;
+
+    Answer Accept(std::shared_ptr<MemoryLink> link) override;
+    std::vector<asio::ip::address> Find(const std::string& host, bool& silent) override;
+
+private:
+    struct Step {
+        std::string Kind;
+        std::string Text;
+    };
+
+    using Link = std::shared_ptr<MemoryLink>;
+
+    void Schedule();
+    void Proceed();
+    bool Try(const Step& step);
+    bool TryDirective(const std::string& text);
+    bool TryConnectionDirective(const std::string& text);
+    bool Command(const std::string& wanted);
+    bool Upload(const std::string& wanted);
+    void SendControl(const std::string& bytes);
+    void SendData(const std::string& bytes);
+    void Disturb();
+    void Fail(const std::string& what);
+    static void BreakLink(const Link& link);
+    static void EndLink(const Link& link);
+    void EndAll(bool reset);
+
+    asio::any_io_executor Where;
+    ManualClock& Time;
+    std::vector<Step> Steps;
+    std::size_t At = 0;
+    Disturbance Trouble;
+    bool Deaf = false;  ///< silent, or hung up, until the next script
+    bool Scheduled = false;
+    bool Paused = false;
+    std::string Wrong;
+    std::unique_ptr<Ftp::Clock::Alarm> Pause;
+
+    std::vector<Link> Callers;  ///< control connections not yet taken by the script
+    Link Control;
+    Link Data;
+    std::vector<std::weak_ptr<MemoryLink>> All;
+    std::set<int> Listening;
+    std::set<int> SilentPorts;
+    std::vector<Ftp::Endpoint> Peers;
+    std::vector<asio::ip::address> Host{asio::ip::make_address("127.0.0.1")};
+    std::vector<std::pair<asio::ip::address, Answer>> Dead;
+    std::size_t Slice = SIZE_MAX;
+    bool LookupSilent = false;
+    std::shared_ptr<int> Alive = std::make_shared<int>(0);
+};

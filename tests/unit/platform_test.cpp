@@ -1,0 +1,171 @@
+#include "base/byte_text.h"
+#include "base/run_time_error.h"
+#include "platform/current_folder.h"
+#include "platform/end_requests.h"
+#include "platform/free_space.h"
+#include "platform/places.h"
+#include "platform/short_path.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <csignal>
+#include <fstream>
+#include <sys/statvfs.h>
+
+class PlatformTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void TheVariableNamesTheProgramsFolder();
+    void TheProgramsFolderIsMadeWhenItIsMissing();
+    void TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten();
+    void TheShortFormOfNothingIsNothing();
+    void TheShortPathOfAMissingFileIsThePathItself();
+    void TheShortNameOfAMissingFileIsEmpty();
+    void TheShortNameOfAFileStartsAtTheCurrentFolder();
+    void TheCurrentFolderKeepsEveryByte();
+    void AMissingFolderIsReportedAndLeavesTheCurrentOne();
+    void TheFreeSpaceIsTheFileSystems();
+    void TheFreeSpaceOfAMissingPathIsUnknown();
+    void ARequestToEndArrivesInTheEventLoop_data();
+    void ARequestToEndArrivesInTheEventLoop();
+    void AnIgnoredRequestStaysIgnored();
+
+private:
+    QString Before;
+    std::unique_ptr<QTemporaryDir> Folder;
+};
+
+void PlatformTest::initTestCase()
+{
+    Before = CurrentFolder();
+}
+
+void PlatformTest::init()
+{
+    Folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(Folder->isValid());
+}
+
+void PlatformTest::cleanup()
+{
+    ChangeCurrentFolder(Before);
+    qunsetenv("TOLVANE_HOME");
+}
+
+void PlatformTest::TheVariableNamesTheProgramsFolder()
+{
+    qputenv("TOLVANE_HOME", Folder->path().toUtf8());
+    QCOMPARE(ProgramFolder(), Folder->path());
+    qputenv("TOLVANE_HOME", Folder->path().toUtf8() + "/");
+    QCOMPARE(ProgramFolder(), Folder->path());
+}
+
+void PlatformTest::TheProgramsFolderIsMadeWhenItIsMissing()
+{
+    const QByteArray home = Folder->path().toUtf8() + "/a/caf\xE9";
+    qputenv("TOLVANE_HOME", home);
+    QCOMPARE(TextToBytes(ProgramFolder()), home);
+    QVERIFY(std::filesystem::is_directory(home.toStdString()));
+}
+
+void PlatformTest::TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten()
+{
+    QCOMPARE(ProgramFolder(), QCoreApplication::applicationDirPath());
+}
+
+void PlatformTest::TheShortFormOfNothingIsNothing()
+{
+    QCOMPARE(ShortPath(""), QString());
+    QCOMPARE(ShortName(""), QString());
+}
+
+void PlatformTest::TheShortPathOfAMissingFileIsThePathItself()
+{
+    QCOMPARE(ShortPath("/no/such/file here"), QString("/no/such/file here"));
+}
+
+void PlatformTest::TheShortNameOfAMissingFileIsEmpty()
+{
+    ChangeCurrentFolder(Folder->path());
+    QCOMPARE(ShortName("report.txt"), QString());
+}
+
+void PlatformTest::TheShortNameOfAFileStartsAtTheCurrentFolder()
+{
+    ChangeCurrentFolder(Folder->path());
+    const QString name = BytesToText("caf\xE9 menu.txt");
+    std::ofstream(FilePath(name)) << "tea";
+    QCOMPARE(ShortName(name), name);
+}
+
+void PlatformTest::TheCurrentFolderKeepsEveryByte()
+{
+    const QString folder = Folder->path() + "/" + BytesToText("caf\xE9");
+    std::filesystem::create_directory(FilePath(folder));
+    ChangeCurrentFolder(folder);
+    QCOMPARE(CurrentFolder(), folder);
+}
+
+void PlatformTest::AMissingFolderIsReportedAndLeavesTheCurrentOne()
+{
+    ErrorRecord errors;
+    QVERIFY(!errors.Attempt([&] { ChangeCurrentFolder(Folder->path() + "/gone"); }));
+    QCOMPARE(errors.Description(), QString("Path not found"));
+    QCOMPARE(CurrentFolder(), Before);
+}
+
+void PlatformTest::TheFreeSpaceIsTheFileSystems()
+{
+    const auto space = FreeSpaceOf(Folder->path());
+    QVERIFY(space.has_value());
+    struct statvfs drive = {};
+    QCOMPARE(statvfs(Folder->path().toUtf8().constData(), &drive), 0);
+    QCOMPARE(space->SectorsPerCluster * space->BytesPerSector, std::uint64_t(drive.f_frsize));
+    QVERIFY(space->Bytes() > 0);
+    QVERIFY(space->Bytes() <= std::uint64_t(drive.f_frsize) * drive.f_blocks);
+}
+
+void PlatformTest::TheFreeSpaceOfAMissingPathIsUnknown()
+{
+    QVERIFY(!FreeSpaceOf(Folder->path() + "/gone").has_value());
+}
+
+void PlatformTest::ARequestToEndArrivesInTheEventLoop_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("terminate") << SIGTERM;
+    QTest::newRow("interrupt") << SIGINT;
+    QTest::newRow("hang up") << SIGHUP;
+}
+
+void PlatformTest::ARequestToEndArrivesInTheEventLoop()
+{
+    QFETCH(int, number);
+    const EndRequests requests;
+    QSignalSpy arrived(&requests, &EndRequests::Requested);
+    QCOMPARE(raise(number), 0);
+    QCOMPARE(arrived.size(), 0);
+    QTRY_COMPARE(arrived.size(), 1);
+}
+
+void PlatformTest::AnIgnoredRequestStaysIgnored()
+{
+    signal(SIGHUP, SIG_IGN);
+    {
+        const EndRequests requests;
+        QSignalSpy arrived(&requests, &EndRequests::Requested);
+        QCOMPARE(raise(SIGHUP), 0);
+        QCOMPARE(raise(SIGTERM), 0);
+        QTRY_COMPARE(arrived.size(), 1);
+    }
+    QVERIFY(signal(SIGHUP, SIG_DFL) == SIG_IGN);
+}
+
+QTEST_GUILESS_MAIN(PlatformTest)
+#include "platform_test.moc"
