@@ -1,7 +1,6 @@
 #include "sites/clipboard_watch.h"
 
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QLineEdit>
@@ -10,6 +9,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
+#include <ctime>
 #include <memory>
 
 namespace {
@@ -306,10 +306,11 @@ void ClipboardWatchTest::AnUnchangedClipboardIsNotAskedFor()
 void ClipboardWatchTest::FiftyMegabytesOfTextHoldNobodyUp()
 {
     QGuiApplication::clipboard()->setText("ftp://" + QString(50'000'000, u'x'));
-    QElapsedTimer time;
-    time.start();
+    const std::clock_t start = std::clock();
     for (int tick = 0; tick < 100; ++tick) My->Watch.ClipBoardTimer_Timer();
-    QVERIFY2(time.elapsed() < 1000, qPrintable(QString("%1 ms").arg(time.elapsed())));
+    // Of the processor. Had each look fetched the text, 5 GB would have been copied.
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    QVERIFY2(seconds < 1, qPrintable(QString::number(seconds)));
     QVERIFY(My->Source.NewText() == std::nullopt);
     QCOMPARE(My->Beeps, 0);
     My->Copy("ftp://a");

@@ -418,17 +418,19 @@ void PacingTest::TheProgramEndsDuringADelay()
     Driver->Connect({"a"});
     PanelDriver::LeftClick(Driver->Remote(), 0);
     Driver->Questions.Answers = {Answer::Yes};
-    QElapsedTimer since;
+    int over = 0;
+    connect(&Timer("MultiTimer"), &QTimer::timeout, this, [&over] { ++over; });
+    bool closed = false;
     auto* look = new QTimer(Driver->Window.get());
     connect(look, &QTimer::timeout, look, [&, look] {
         if (!Timer("MultiTimer").isActive()) return;
         look->stop();
-        since.start();
-        Driver->Window->close();
+        closed = Driver->Window->close();
     });
     look->start(0);
     Driver->Click("Command7");
-    QVERIFY(since.isValid() && since.elapsed() < 900);
+    QVERIFY(closed);
+    QCOMPARE(over, 0);
     QCOMPARE(Driver->Operations(), QStringList{"DELETE \"a\""});
 }
 
@@ -437,18 +439,17 @@ void PacingTest::TheListingComesAShortDelayAfterTheLastFileSent()
     Driver->MakeFiles({"a", "b"});
     Driver->Restart();
     Driver->Connect({"old"});
-    QList<qint64> delays;
-    QElapsedTimer since;
+    int over = 0;
+    connect(&Timer("MultiTimer"), &QTimer::timeout, this, [&over] { ++over; });
+    QList<int> delays;
     connect(&Driver->Inet1(), &Inet::StateChanged, this, [&](int state) {
-        if (state == Inet::Requesting && since.isValid()) delays += since.elapsed();
-        if (state == Inet::ResponseCompleted) since.start();
+        if (state == Inet::Requesting) delays += std::exchange(over, 0);
     });
     Driver->Files().selectAll();
     Driver->Click("Image1");
     Driver->WaitUntilIdle();
     QCOMPARE(Driver->Operations().size(), 3);
-    QCOMPARE(delays.size(), 2);
-    QVERIFY2(delays[0] < 1000 && delays[1] >= 1000, qPrintable(QString("%1 %2").arg(delays[0]).arg(delays[1])));
+    QCOMPARE(delays, (QList<int>{0, 0, 1}));
 }
 
 void PacingTest::TheAlarmPlaysAfterTheLastFile_data()
