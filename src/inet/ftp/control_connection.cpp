@@ -4,6 +4,7 @@
 #include <array>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
+#include <utility>
 
 namespace Ftp {
 
@@ -30,6 +31,7 @@ struct ControlConnection::Shared {
     ReplyParser Parser;
     std::deque<Reply> Replies;
     Reply Last;
+    std::size_t Heard = 0;
     std::function<void(const Reply&)> Listener;
     std::optional<Failure> Ended;  ///< why nothing more will come
     bool SaidGoodbye = false;      ///< 421
@@ -57,6 +59,7 @@ Task<> ControlConnection::ReadOn(std::shared_ptr<Shared> shared)
             shared->Parser.Feed({buffer.data(), count});
             while (auto reply = shared->Parser.Next()) {
                 shared->SaidGoodbye = shared->SaidGoodbye || reply->Code == ServiceClosing;
+                ++shared->Heard;
                 if (shared->Listener) shared->Listener(*reply);
                 shared->Last = *reply;
                 shared->Replies.push_back(std::move(*reply));
@@ -76,7 +79,9 @@ Task<> ControlConnection::Send(std::string line)
 {
     RequireSendable(line);
     if (!IsAlive()) ThrowWhyEnded();
-    Line->Replies.clear();
+    for (const Reply& reply : std::exchange(Line->Replies, {})) {
+        if (Unasked) Unasked(reply);
+    }
     Nudged = false;
     line += "\r\n";
     const Guard guard(Why, Time, *Line->Stream, Limit);
@@ -158,6 +163,11 @@ const Reply& ControlConnection::Last() const
     return Line->Last;
 }
 
+std::size_t ControlConnection::Heard() const
+{
+    return Line->Heard;
+}
+
 void ControlConnection::Close()
 {
     Line->Listener = {};
@@ -185,7 +195,9 @@ void RequireSendable(const std::string& text)
 
 Failure RefusalOf(const Reply& reply)
 {
-    return {Failure::Refused, reply.Code, reply.Text()};
+    std::string text = reply.Text();
+    if (text.find_first_not_of(" \n") == std::string::npos) text = "The server gives no reason.";
+    return {Failure::Refused, reply.Code, std::move(text)};
 }
 
 }  // namespace Ftp

@@ -25,8 +25,8 @@ public:
     ControlConnection(std::shared_ptr<Wire> wire, Network& network, Intent& intent, Clock& clock, Milliseconds limit);
     ~ControlConnection();
 
-    /// Sends one command line. Replies that came unasked before it are dropped. Throws Failure of the kind Request,
-    /// before anything is sent, when the line holds a control character.
+    /// Sends one command line. Replies that came unasked before it are told and dropped. Throws Failure of the kind
+    /// Request, before anything is sent, when the line holds a control character.
     Task<> Send(std::string line);
 
     /// The next reply, preliminary ones (1xx) included.
@@ -54,6 +54,9 @@ public:
     /// Called when a command line has been handed to the system; nothing when empty.
     void SetSendListener(std::function<void()> listener) { Sent = std::move(listener); }
 
+    /// Called for each reply that came unasked and is dropped; nothing when empty.
+    void SetUnaskedListener(std::function<void(const Reply&)> listener) { Unasked = std::move(listener); }
+
     void SetLimit(Milliseconds limit) { Limit = limit; }
 
     /// False once the server has closed the connection, or has said 421.
@@ -63,6 +66,9 @@ public:
 
     /// The reply that came last; Code 0 when none has.
     const Reply& Last() const;
+
+    /// How many replies have come so far.
+    std::size_t Heard() const;
 
     /// Closes the connection at once.
     void Close();
@@ -77,6 +83,7 @@ private:
     Clock& Time;
     Milliseconds Limit;
     std::function<void()> Sent;
+    std::function<void(const Reply&)> Unasked;
     bool Nudged = false;
 };
 

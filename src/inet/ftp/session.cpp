@@ -2,6 +2,7 @@
 
 #include "inet/ftp/data_address.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -73,6 +74,10 @@ std::string Without(const std::string& secret, std::string text)
 Session::Session(Network& network, Clock& clock, Observer observer)
     : Net(network), Time(clock), Tell(std::move(observer))
 {
+    // A server may repeat the password in any text that is told.
+    Tell.Remark = [this, tell = std::move(Tell.Remark)](const std::string& line) {
+        tell(Without(Where.Password, line));
+    };
 }
 
 Session::~Session() = default;
@@ -101,6 +106,7 @@ Task<Outcome> Session::Fetch(Target target, Manner manner)
 Task<Outcome> Session::Guarded(Task<std::string> work)
 {
     Unfinished = false;
+    Decided.reset();
     Outcome outcome;
     std::optional<Failure> failure;
     try {
@@ -112,6 +118,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     }
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
+    LastUse = Time.Now();
     if (failure) {
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
@@ -121,8 +128,9 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     }
     outcome.Good = true;
     if (Control) {
-        outcome.Code = Control->Last().Code;
-        outcome.Text = Without(Where.Password, Control->Last().Text());
+        const Reply& last = Decided ? *Decided : Control->Last();
+        outcome.Code = last.Code;
+        outcome.Text = Without(Where.Password, last.Text());
     }
     co_return outcome;
 }
@@ -136,21 +144,68 @@ bool Session::LeavesSessionAsItWas(const Failure& failure) const
     return (failure.Kind == Failure::Refused && failure.Code != NotLoggedIn) || (local && !Unfinished);
 }
 
+// A server may close an idle connection just as the next command is on its way to it: that command is given once more,
+// on a new connection, where nobody can have carried it out already.
 Task<std::string> Session::Run(Operation operation)
 {
-    if (!std::holds_alternative<Close>(operation)) {
-        if (!Control || !Control->IsAlive()) co_await Connect();
-        Begin();
+    if (std::holds_alternative<Close>(operation)) co_return co_await Do(Close{});
+    const bool used = co_await IsStillThere();
+    if (!used) co_await Connect();
+    Begin();
+    const std::size_t heard = Control->Heard();
+    try {
+        co_return co_await Carry(operation);
+    } catch (const Failure& failure) {
+        if (!used || !MayTryAnew(failure, heard, operation)) throw;
     }
+    co_await Connect();
+    Begin();
+    co_return co_await Carry(std::move(operation));
+}
+
+Task<std::string> Session::Carry(Operation operation)
+{
+    co_await SpeakUtf8For(NamesSent(operation));
     std::string asked = co_await std::visit([this](auto& one) { return Do(std::move(one)); }, operation);
-    if (!std::holds_alternative<Close>(operation)) Tell.State(ResponseReceived);
+    Tell.State(ResponseReceived);
     co_return asked;
+}
+
+// What is silent for long may have been forgotten by something on the way, and then swallows every command: so it is
+// asked first, and not waited for as long as a command would be.
+Task<bool> Session::IsStillThere()
+{
+    constexpr Milliseconds LongIdle = std::chrono::seconds(60);
+    constexpr Milliseconds ShortWait = std::chrono::seconds(5);
+    if (!Control || !Control->IsAlive()) co_return false;
+    if (Time.Now() - LastUse < LongIdle) co_return true;
+    Control->SetLimit(std::min(ShortWait, How.Limit));
+    try {
+        const Reply reply = co_await Control->Say("NOOP");
+        co_return Control->IsAlive() && reply.Code != NotLoggedIn;
+    } catch (const Failure&) {
+        if (Why.IsCancelled()) throw;
+        Why.ForgiveTimeOut();
+    }
+    co_return false;
+}
+
+bool Session::MayTryAnew(const Failure& failure, std::size_t heard, const Operation& operation) const
+{
+    if (!Control || Why.IsInterrupted()) return false;
+    const std::size_t answers = Control->Heard() - heard;
+    if (failure.Kind == Failure::Refused) return failure.Code == ServiceClosing && answers == 1;
+    const bool mayHaveBeenDone = std::holds_alternative<Delete>(operation) ||
+                                 std::holds_alternative<MakeFolder>(operation) ||
+                                 std::holds_alternative<RemoveFolder>(operation);
+    return failure.Kind == Failure::Connection && answers == 0 && !mayHaveBeenDone;
 }
 
 Task<std::string> Session::RunFetch(std::string path)
 {
     co_await Connect();
     Begin();
+    co_await SpeakUtf8For(path);
     co_await SetType('I');
     MemorySink sink(std::size_t{2} * 1024 * 1024 * 1024);
     const Reply end = co_await Retrieve(std::move(path), sink);
@@ -204,6 +259,9 @@ Task<> Session::Connect()
     std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
     Tell.State(Connected);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
+    Control->SetUnaskedListener([this](const Reply& reply) {
+        Tell.Remark("The server said unasked: " + std::to_string(reply.Code) + ' ' + reply.Text());
+    });
     Can = {};
     Type = 'A';
     co_await LogIn();
@@ -253,11 +311,13 @@ Task<> Session::EnterFolders()
 {
     std::vector<std::string> moves;
     moves.swap(Moves);
+    co_await SpeakUtf8For(Where.Path);
     if (!Where.Path.empty()) {
         std::string command = "CWD " + Where.Path;
         (void)co_await Control->Expect(std::move(command));
     }
     for (const std::string& name : moves) {
+        co_await SpeakUtf8For(name);
         std::string command = name.empty() ? "CDUP" : "CWD " + name;
         (void)co_await Control->Expect(std::move(command));
     }

@@ -50,7 +50,9 @@ struct Observer {
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
 ///
 /// A refusal leaves the session as it was. Anything else that goes wrong closes the connection, and the next operation
-/// connects anew, into the same working folder. One operation at a time; transfer thread only.
+/// connects anew, into the same working folder; so does one that finds the connection closed by the server since the
+/// last. Names are bytes; a server that can is asked to speak UTF-8 once a name needs it. One operation at a time;
+/// transfer thread only.
 class Session {
 public:
     Session(Network& network, Clock& clock, Observer observer);
@@ -79,10 +81,13 @@ private:
     struct Capabilities {
         bool ExtendedPassive = true;  ///< EPSV has not been refused yet
         bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
+        bool Utf8Asked = false;       ///< the server has been asked to speak UTF-8, or cannot
     };
 
     // Connecting
     Task<> Connect();
+    Task<bool> IsStillThere();
+    bool MayTryAnew(const Failure& failure, std::size_t heard, const Operation& operation) const;
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
     Task<> LogIn();
     Task<> EnterFolders();
@@ -110,7 +115,13 @@ private:
     Task<std::string> Do(WorkingFolder);
     Task<std::string> Do(Close);
 
+    // Encoding
+    Task<bool> SpeakUtf8();
+    Task<> SpeakUtf8For(std::string name);
+    Task<std::string> ListInUtf8(std::string command);
+
     Task<std::string> Run(Operation operation);
+    Task<std::string> Carry(Operation operation);
     Task<std::string> RunFetch(std::string path);
     Task<Outcome> Guarded(Task<std::string> work);
     bool LeavesSessionAsItWas(const Failure& failure) const;
@@ -139,9 +150,11 @@ private:
     std::filesystem::path Folder;
 
     std::unique_ptr<ControlConnection> Control;
-    bool Ready = false;       ///< logged in, and in the working folder
-    bool Unfinished = false;  ///< a transfer is under way: its replies are still owed
+    bool Ready = false;            ///< logged in, and in the working folder
+    std::optional<Reply> Decided;  ///< the reply that counts, where another one came after it
+    bool Unfinished = false;       ///< a transfer is under way: its replies are still owed
     Capabilities Can;
+    Milliseconds LastUse{0};         ///< when the last operation ended
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
     std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up
     std::string LastListing;         ///< the reply of the last LIST

@@ -98,12 +98,12 @@ private:
 
 Task<std::string> Session::Do(ListNames)
 {
-    co_return co_await List("NLST");
+    co_return co_await ListInUtf8("NLST");
 }
 
 Task<std::string> Session::Do(ListFull)
 {
-    LastListing = co_await List("LIST");
+    LastListing = co_await ListInUtf8("LIST");
     co_return LastListing;
 }
 

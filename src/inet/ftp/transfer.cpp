@@ -87,7 +87,7 @@ Task<bool> Transfer::WaitForStart(bool receiving)
 
     while (First.Code == 0 && Final.Code == 0 && !first->Came) {
         co_await Control.WaitForReplyOrNudge();
-        if (Control.HasReply()) (void)co_await Control.Hear();
+        if (Control.HasReply()) co_await HearOne();
     }
     co_return !Refused;
 }
@@ -95,7 +95,7 @@ Task<bool> Transfer::WaitForStart(bool receiving)
 Task<Reply> Transfer::Receive(Sink& sink)
 {
     const bool started = co_await WaitForStart(true);
-    if (!started) co_return Final;
+    if (!started) co_return co_await HearEnd();
     sink.Open();
     Task<> moving = Drain(sink);
     co_return co_await Finish(std::move(moving));
@@ -104,7 +104,7 @@ Task<Reply> Transfer::Receive(Sink& sink)
 Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path)
 {
     const bool started = co_await WaitForStart(false);
-    if (!started) co_return Final;
+    if (!started) co_return co_await HearEnd();
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
 }
@@ -128,8 +128,15 @@ Task<Reply> Transfer::Finish(Task<> moving)
 
 Task<Reply> Transfer::HearEnd()
 {
-    while (Final.Code == 0) (void)co_await Control.Hear();
+    while (!Heard) co_await HearOne();
     co_return Final;
+}
+
+// What is owed is taken off the control connection, so that only what was never asked for is left there.
+Task<> Transfer::HearOne()
+{
+    const Reply reply = co_await Control.Hear();
+    if (reply.KindOf() != Reply::Preliminary) Heard = true;
 }
 
 Task<> Transfer::Drain(Sink& sink)

@@ -49,6 +49,7 @@ private:
     Task<> PourByBuffer(ReadFile& file, const std::filesystem::path& path);
     Task<Reply> Finish(Task<> moving);
     Task<Reply> HearEnd();
+    Task<> HearOne();
     void Note(const Reply& reply);
 
     TransferMeans Use;
@@ -56,6 +57,7 @@ private:
     std::shared_ptr<Wire> Data;
     Reply First;
     Reply Final;           ///< Code 0 until it has come
+    bool Heard = false;    ///< the final one has been taken off the control connection
     bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
     std::uint64_t Count = 0;
 };
