@@ -10,7 +10,8 @@ namespace Ftp {
 
 namespace {
 
-constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2: may come as the answer to anything
+constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
+constexpr int ServiceClosing = 421;  // the same: may come as the answer to anything
 
 bool IsControlCharacter(char byte)
 {
@@ -118,7 +119,7 @@ Task<Reply> ControlConnection::Say(std::string line)
 Task<Reply> ControlConnection::Expect(std::string line)
 {
     Reply reply = co_await Say(std::move(line));
-    if (reply.KindOf() >= Reply::TryLater) throw RefusalOf(reply);
+    if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
     co_return reply;
 }
 
@@ -196,6 +197,7 @@ void RequireSendable(const std::string& text)
 Failure RefusalOf(const Reply& reply)
 {
     std::string text = reply.Text();
+    if (reply.Code == AccountWanted) text = "The server wants an account name, which Tolvane cannot give: " + text;
     if (text.find_first_not_of(" \n") == std::string::npos) text = "The server gives no reason.";
     return {Failure::Refused, reply.Code, std::move(text)};
 }

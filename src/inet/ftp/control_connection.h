@@ -38,7 +38,7 @@ public:
     /// Sends a command and returns its final reply, good or bad.
     Task<Reply> Say(std::string line);
 
-    /// The same, but a bad reply (4xx or 5xx) is thrown as Failure of the kind Refused.
+    /// The same, but any other than a good one (2xx) is thrown as Failure of the kind Refused.
     Task<Reply> Expect(std::string line);
 
     /// A reply of the command now running has come, whether somebody waits for it or not.

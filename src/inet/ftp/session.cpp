@@ -28,18 +28,12 @@ enum States {
 
 bool IsBad(const Reply& reply)
 {
-    return reply.KindOf() >= Reply::TryLater;
+    return reply.KindOf() != Reply::Done;
 }
 
 bool IsReachableByIpv4(const Endpoint& peer)
 {
     return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
-}
-
-Failure AccountFailure(const Reply& reply)
-{
-    return {Failure::Refused, reply.Code,
-            "The server wants an account name, which Tolvane cannot give: " + reply.Text()};
 }
 
 bool IsWordByte(char byte)
@@ -301,8 +295,7 @@ Task<> Session::LogIn()
         std::string password = "PASS " + (anonymous ? "anonymous@example.com" : Where.Password);
         reply = co_await Control->Say(std::move(password));
     }
-    if (reply.Code == AccountWanted) throw AccountFailure(reply);
-    if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
+    if (IsBad(reply)) throw RefusalOf(reply);
 }
 
 // A connection that is made anew leads where the old one had been. When that is not possible any more the way is
@@ -358,6 +351,9 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
 
 Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds limit)
 {
+    // Nobody would find data there, but a greeting.
+    if (port == Control->Peer().port())
+        throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data but its own."};
     std::shared_ptr<Wire> wire = Net.NewWire();
     Guard guard(Why, Time, *wire, limit);
     try {

@@ -12,12 +12,13 @@ namespace {
 
 constexpr std::size_t MaxListingBytes = std::size_t{512} * 1024 * 1024;
 constexpr Milliseconds GoodbyeLimit = std::chrono::seconds(2);
+constexpr int GoOn = 350;  // RFC 959, 4.2.2
 constexpr int Disconnecting = 9;
 constexpr int Disconnected = 10;
 
 bool IsBad(const Reply& reply)
 {
-    return reply.KindOf() >= Reply::TryLater;
+    return reply.KindOf() != Reply::Done;
 }
 
 /// Some servers answer the listing of an empty folder with a refusal.
@@ -238,7 +239,7 @@ Task<std::string> Session::Do(Rename operation)
     RequireSendable(operation.To);
     std::string accepted;
     const Reply reply = co_await SayWithName("RNFR ", std::move(operation.From), &accepted);
-    if (IsBad(reply)) throw RefusalOf(reply);
+    if (IsBad(reply) && reply.Code != GoOn) throw RefusalOf(reply);
     std::string command = "RNTO " + operation.To;
     (void)co_await Control->Expect(std::move(command));
     co_return std::string();
@@ -311,7 +312,7 @@ Task<Reply> Session::SayWithName(std::string command, std::string text, std::str
     TellSecondTry(*name);
     std::string again = command + *name;
     const Reply second = co_await Control->Say(std::move(again));
-    if (IsBad(second)) co_return refusal;
+    if (IsBad(second) && second.Code != GoOn) co_return refusal;
     Can.LinesAsNames = false;
     *accepted = *name;
     co_return second;

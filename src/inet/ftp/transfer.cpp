@@ -69,7 +69,7 @@ void Transfer::Note(const Reply& reply)
     }
     if (Final.Code != 0) return;
     Final = reply;
-    Refused = reply.KindOf() >= Reply::TryLater;
+    Refused = reply.KindOf() != Reply::Done;
     if (Refused) Data->Abort();
 }
 

@@ -58,7 +58,7 @@ private:
     Reply First;
     Reply Final;           ///< Code 0 until it has come
     bool Heard = false;    ///< the final one has been taken off the control connection
-    bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
+    bool Refused = false;  ///< the server has ended the transfer otherwise than well
     std::uint64_t Count = 0;
 };
 
