@@ -37,7 +37,6 @@ bool IsReachableByIpv4(const Endpoint& peer)
     return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
 }
 
-
 }  // namespace
 
 Session::Session(Network& network, Clock& clock, Observer observer)
@@ -91,7 +90,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     if (failure) {
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
-        outcome.Text = Without(Where.Password, std::move(failure->Text));
+        outcome.Text = Without(Where.Password, failure->Text);
         outcome.Reply.clear();
         co_return outcome;
     }
