@@ -3,6 +3,7 @@
 #include "inet/ftp/failure.h"
 #include "platform/pump.h"
 
+#include <algorithm>
 #include <array>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
@@ -16,6 +17,8 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;
+// Of a slow reader each piece counts as progress, so none may take longer than the time-out on any line.
+constexpr std::size_t PieceSize = std::size_t{32} * 1024;
 
 /// Lets the other tasks of the thread have their turn.
 Task<> Breathe(asio::any_io_executor executor)
@@ -233,9 +236,12 @@ Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
             throw LocalFailure(path, error.code().value());
         }
         if (count == 0) co_return;
-        co_await Data->Write(std::string(buffer.data(), count));
-        guard.Progress();
-        Count += count;
+        for (std::size_t at = 0; at < count; at += PieceSize) {
+            const std::size_t piece = std::min(PieceSize, count - at);
+            co_await Data->Write(std::string(buffer.data() + at, piece));
+            guard.Progress();
+            Count += piece;
+        }
     }
 }
 
