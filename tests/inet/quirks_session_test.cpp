@@ -24,6 +24,9 @@ private slots:
     void AConnectionIsMadeAnewOnlyOnce();
     void AnAnswerInTheMiddleIsTheCommandsOwn();
     void ATornIdleTransferSessionReturnsToItsFolder();
+    void AConnectionThatBreaksOnTheWayBackKeepsTheWay_data();
+    void AConnectionThatBreaksOnTheWayBackKeepsTheWay();
+    void AWayThatIsRefusedIsForgotten();
     void UnaskedRepliesAreToldAndDropped();
     void AnUnaskedReplyIsToldWithoutThePassword();
 
@@ -222,6 +225,33 @@ void QuirksSessionTest::ATornIdleTransferSessionReturnsToItsFolder()
     QVERIFY_GOOD(talk.Do("GET kept"));
     QVERIFY_GOOD(talk.Do("GET kept"));
     QCOMPARE(talk.LocalFile("kept"), QByteArray("data"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void QuirksSessionTest::AConnectionThatBreaksOnTheWayBackKeepsTheWay_data()
+{
+    QTest::addColumn<QString>("end");
+    for (const char* end : {"-- close", "-- break", "-- silence", "S: 421 not now", "S: 530 log in"})
+        QTest::newRow(end) << QString(end);
+}
+
+// Otherwise the next command would be carried out in another folder than the one the user sees.
+void QuirksSessionTest::AConnectionThatBreaksOnTheWayBackKeepsTheWay()
+{
+    Conversation talk(AtX + "-- close\n" + LogIn + "C: CWD x\n" + StringIn("end"));
+    QVERIFY_GOOD(talk.Do("CD x"));
+    QVERIFY(!talk.Do("DELETE y").Good);
+    talk.Server.Play(AtX + "C: DELE y\nS: 250 gone");
+    QVERIFY_GOOD(talk.Do("DELETE y"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void QuirksSessionTest::AWayThatIsRefusedIsForgotten()
+{
+    Conversation talk(AtX + "-- close\n" + LogIn + "C: CWD x\nS: 550 gone\n-- gone\n" + LogIn + "C: PWD\nS: 257 \"/\"");
+    QVERIFY_GOOD(talk.Do("CD x"));
+    QCOMPARE_FAILED(talk.Do("PWD"), 550);
+    QCOMPARE(talk.Do("PWD").Reply, std::string("/"));
     QVERIFY_FOLLOWED(talk);
 }
 
