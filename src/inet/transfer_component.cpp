@@ -233,7 +233,7 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
 
 QString TransferComponent::GetChunk(int size, DataType)
 {
-    const QString chunk = Reply.mid(ReplyTaken, size);
+    QString chunk = Reply.mid(ReplyTaken, size);
     ReplyTaken += chunk.size();
     return chunk;
 }
