@@ -112,6 +112,10 @@ public:
     /// Whether a refused listing line is tried once more by the name inside it. On by default.
     virtual void SetListingLineHelp(bool on) = 0;
 
+    /// Whether another file follows the one that the next Execute receives or sends, so that the component may get
+    /// ready for it. Off by default; a promise that is not kept does no harm.
+    virtual void SetMoreToCome(bool more) = 0;
+
 signals:
     /// Reports the progress of a command. A listener of a final state may issue the next command; no report of an
     /// old command follows once a new one has begun.

@@ -152,6 +152,11 @@ void TransferComponent::SetListingLineHelp(bool on)
     Chosen->Manner.ListingLineHelp = on;
 }
 
+void TransferComponent::SetMoreToCome(bool more)
+{
+    Chosen->Manner.MoreToCome = more;
+}
+
 void TransferComponent::Execute(const QString& url, const QString& operation, const QString&)
 {
     if (Executing) throw RuntimeError("Still executing last request");

@@ -35,6 +35,7 @@ public:
     int ResponseCode() const override;
     QString ResponseInfo() const override;
     void SetListingLineHelp(bool on) override;
+    void SetMoreToCome(bool more) override;
 
 private:
     struct Properties;

@@ -91,8 +91,7 @@ Task<> ControlConnection::Begin(std::string line)
         co_return;
     }
     if (!IsAlive()) ThrowWhyEnded();
-    Odd = Odd || !Line->Replies.empty();
-    Line->Replies.clear();
+    DropUnasked();
     line += "\r\n";
     co_await Write(std::move(line));
     if (Sent) Sent();
@@ -106,18 +105,23 @@ Task<> ControlConnection::SendAhead(std::vector<std::string> lines)
         bytes += line + "\r\n";
     }
     if (!IsAlive()) ThrowWhyEnded();
-    Odd = Odd || !Line->Replies.empty();
-    Line->Replies.clear();
+    if (Ahead.empty()) DropUnasked();
     if (Odd) co_return;
     co_await Write(std::move(bytes));
-    Ahead.assign(std::make_move_iterator(lines.begin()), std::make_move_iterator(lines.end()));
+    std::move(lines.begin(), lines.end(), std::back_inserter(Ahead));
     Owed = Ahead.size();
     Answered = 0;
 }
 
+void ControlConnection::DropUnasked()
+{
+    Odd = Odd || !Line->Replies.empty();
+    Line->Replies.clear();
+}
+
 Task<> ControlConnection::GiveUpAhead()
 {
-    Odd = Odd || !Ahead.empty();
+    Odd = Odd || Answered > 0;
     while (!Ahead.empty()) {
         (void)co_await HearFinal();
         Ahead.pop_front();

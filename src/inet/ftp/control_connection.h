@@ -32,8 +32,12 @@ public:
 
     /// Sends command lines in one go that Say, Expect and Send are about to be called with, in this order. They then
     /// find their line on its way already, so the lines cost one round trip between them. A line that was not foretold
-    /// waits until the replies to the lines foretold in its place have come, and they are dropped.
+    /// waits until the replies to the lines foretold in its place have come, and they are dropped. Lines that are
+    /// ahead already stay ahead of these.
     Task<> SendAhead(std::vector<std::string> lines);
+
+    /// This line, and no other, was sent ahead and not asked for yet.
+    bool IsOnlyAhead(const std::string& line) const { return Ahead.size() == 1 && Ahead.front() == line; }
 
     /// Lines were sent ahead, and are not all answered or given up.
     bool IsAhead() const { return Owed > 0; }
@@ -84,6 +88,7 @@ private:
     struct Shared;
     static Task<> ReadOn(std::shared_ptr<Shared> shared);
     Task<> Begin(std::string line);
+    void DropUnasked();
     Task<> Write(std::string bytes);
     Milliseconds Patience() const;
     [[noreturn]] void ThrowWhyEnded() const;

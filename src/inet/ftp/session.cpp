@@ -337,16 +337,32 @@ std::vector<std::string> Session::LinesBefore(char type, const std::string& size
 {
     std::vector<std::string> lines;
     if (Type != type) lines.push_back(std::string("TYPE ") + type);
+    lines.push_back(PassiveLine());
     if (!sized.empty() && Can.Size) lines.push_back("SIZE " + sized);
-    lines.emplace_back(Can.ExtendedPassive ? "EPSV" : "PASV");
     if (Can.PassiveWorked) lines.push_back(std::move(command));
     return lines;
 }
 
 Task<> Session::SendAhead(std::vector<std::string> lines)
 {
-    if (OneAtATime || Control->IsOdd() || Control->IsAhead() || lines.size() < 2) co_return;
+    if (OneAtATime || Control->IsOdd() || lines.size() < 2) co_return;
+    if (Control->IsAhead()) {
+        if (!Control->IsOnlyAhead(lines.front())) co_return;
+        lines.erase(lines.begin());
+    }
     co_await Control->SendAhead(std::move(lines));
+}
+
+// While this side gets ready for the next file the server makes its port.
+Task<> Session::AskForNextPort()
+{
+    if (!How.MoreToCome || OneAtATime || Control->IsOdd() || !Can.PassiveWorked) co_return;
+    try {
+        std::vector<std::string> lines(1, PassiveLine());
+        co_await Control->SendAhead(std::move(lines));
+    } catch (const Failure&) {
+        // The next command will find the connection closed.
+    }
 }
 
 // EPSV (RFC 2428) works for both kinds of addresses and through translators of addresses; PASV is what older servers

@@ -32,6 +32,7 @@ struct Target {
 struct Manner {
     Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
     bool ListingLineHelp = true;                    ///< a refused listing line is tried once more by its name
+    bool MoreToCome = false;                        ///< another file follows this one, in the same direction
 };
 
 /// What is known of the size of a transfer that went well.
@@ -126,6 +127,8 @@ private:
     std::vector<std::string> LinesBefore(const Operation& operation) const;
     std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
     Task<> SendAhead(std::vector<std::string> lines);
+    Task<> AskForNextPort();
+    std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
 
     Task<std::string> Run(Operation operation);
     Task<std::string> RunOnce(Operation operation);

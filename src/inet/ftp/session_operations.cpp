@@ -182,8 +182,8 @@ Task<Reply> Session::Retrieve(std::string name, Sink& sink)
     std::vector<std::string> ahead = LinesBefore('I', name, command);
     co_await SendAhead(std::move(ahead));
     co_await SetType('I');
-    const std::optional<std::uint64_t> size = co_await AskSize(name);
     const std::shared_ptr<Wire> data = co_await OpenData();
+    const std::optional<std::uint64_t> size = co_await AskSize(name);
     co_await Control->Send(std::move(command));
     Unfinished = true;
     Reply end;
@@ -193,6 +193,7 @@ Task<Reply> Session::Retrieve(std::string name, Sink& sink)
         if (!IsBad(end)) co_await CheckReceived(std::move(name), transfer, size);
     }
     Unfinished = false;
+    if (!IsBad(end)) co_await AskForNextPort();
     co_return end;
 }
 
@@ -270,6 +271,7 @@ Task<std::string> Session::Do(Ftp::Send operation)
     if (!IsBad(end)) co_await CheckSent(std::move(operation.Remote), transfer);
     Unfinished = false;
     if (IsBad(end)) throw RefusalOf(end);
+    co_await AskForNextPort();
     co_return std::string();
 }
 
