@@ -64,6 +64,7 @@ int main(int argc, char** argv)
         if (next == operations.size()) {
             QCoreApplication::exit(0);
         } else {
+            component.SetMoreToCome(next + 1 < operations.size());
             component.Execute(component.URL(), operations[next++]);
         }
     };

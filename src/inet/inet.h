@@ -50,6 +50,19 @@ public:
         QString Info;          ///< as ResponseInfo: a sentence
     };
 
+    /// How far a transfer has come.
+    struct Progress {
+        qint64 Done = 0;       ///< bytes received or sent
+        qint64 Expected = -1;  ///< bytes in all; -1 where that is not known. A hint: more may come.
+        qint64 Rate = 0;       ///< bytes a second, over the last few seconds
+    };
+
+    /// What is known of a file that was received or sent.
+    struct Confirmation {
+        qint64 Bytes = 0;
+        bool BySize = false;  ///< the server was asked for the file's size, and it is the same
+    };
+
     using WhenArrived = std::function<void(const Download&)>;
 
     explicit Inet(QObject* parent = nullptr) : QObject(parent) {}
@@ -99,10 +112,20 @@ public:
     /// Whether a refused listing line is tried once more by the name inside it. On by default.
     virtual void SetListingLineHelp(bool on) = 0;
 
+    /// Whether another file follows the one that the next Execute receives or sends, so that the component may get
+    /// ready for it. Off by default; a promise that is not kept does no harm.
+    virtual void SetMoreToCome(bool more) = 0;
+
 signals:
     /// Reports the progress of a command. A listener of a final state may issue the next command; no report of an
     /// old command follows once a new one has begun.
     void StateChanged(int state);
+
+    /// Reports a transfer under way, at most ten times a second; a short one ends without.
+    void Progressed(const Inet::Progress& progress);
+
+    /// Reports a file that was received or sent, just before state 12.
+    void Transferred(const Inet::Confirmation& confirmation);
 
     /// One line about what the component did beside the states, for the activity log.
     void Remarked(const QString& line);

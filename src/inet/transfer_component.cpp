@@ -29,6 +29,7 @@ struct TransferComponent::Ended {
     QString Info;
     QString Reply;
     QByteArray Bytes;
+    std::optional<Confirmation> Transferred;
 };
 
 namespace {
@@ -151,6 +152,11 @@ void TransferComponent::SetListingLineHelp(bool on)
     Chosen->Manner.ListingLineHelp = on;
 }
 
+void TransferComponent::SetMoreToCome(bool more)
+{
+    Chosen->Manner.MoreToCome = more;
+}
+
 void TransferComponent::Execute(const QString& url, const QString& operation, const QString&)
 {
     if (Executing) throw RuntimeError("Still executing last request");
@@ -188,26 +194,63 @@ quint64 TransferComponent::Begin()
     return ++Number;
 }
 
+/// Turns what the engine tells into the component's own terms, on the transfer thread.
+struct TransferComponent::Decoder {
+    Told operator()(int state) const { return state; }
+
+    Told operator()(const std::string& line) const { return BytesToText(ArrayOf(line)); }
+
+    Told operator()(const ::Ftp::Progress& progress) const
+    {
+        const auto expected = progress.Expected ? static_cast<qint64>(*progress.Expected) : qint64{-1};
+        return Progress{static_cast<qint64>(progress.Done), expected, static_cast<qint64>(progress.Rate)};
+    }
+
+    Told operator()(const ::Ftp::Outcome& outcome) const
+    {
+        Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply), {}};
+        ended.Reply = BytesToText(ended.Bytes);
+        if (outcome.Transferred)
+            ended.Transferred = Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
+        return ended;
+    }
+};
+
+/// Tells what the transfer thread has noted.
+class TransferComponent::Teller {
+public:
+    Teller(TransferComponent& component, quint64 command) : Component(component), Command(command) {}
+
+    void operator()(int state) const { Component.Report(Command, state); }
+
+    void operator()(const QString& line) const { emit Component.Remarked(line); }
+
+    void operator()(const Progress& progress) const { Component.Show(Command, progress); }
+
+    void operator()(const Ended& ended) const { Component.Finish(Command, ended); }
+
+private:
+    TransferComponent& Component;
+    quint64 Command;
+};
+
 // The transfer thread only hands over: everything is told on this object's thread, in order.
 Worker::Listener TransferComponent::ListenerOf(quint64 command)
 {
-    const auto hand = [this](auto call) { QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection); };
-    return {
-        [this, hand, command](int state) { hand([this, command, state] { Report(command, state); }); },
-        [this, hand](const std::string& line) {
-            hand([this, text = BytesToText(ArrayOf(line))] { emit Remarked(text); });
-        },
-        [this, hand, command](const ::Ftp::Outcome& outcome) {
-            Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply)};
-            ended.Reply = BytesToText(ended.Bytes);
-            hand([this, command, ended = std::move(ended)] { Finish(command, ended); });
-        },
+    return [this, command](std::vector<Worker::News> news) {
+        std::vector<Told> told;
+        told.reserve(news.size());
+        for (Worker::News& one : news) told.push_back(std::visit(Decoder{}, std::move(one)));
+        const auto tell = [this, command, told = std::move(told)] {
+            for (const Told& one : told) std::visit(Teller(*this, command), one);
+        };
+        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
     };
 }
 
 void TransferComponent::FailSoon(int code, const QString& sentence)
 {
-    const auto fail = [this, command = Number, ended = Ended{false, code, sentence, {}, {}}] {
+    const auto fail = [this, command = Number, ended = Ended{false, code, sentence, {}, {}, {}}] {
         Finish(command, ended);
     };
     QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
@@ -216,6 +259,11 @@ void TransferComponent::FailSoon(int code, const QString& sentence)
 void TransferComponent::Report(quint64 command, int state)
 {
     if (Executing && command == Number) emit StateChanged(state);
+}
+
+void TransferComponent::Show(quint64 command, const Progress& progress)
+{
+    if (Executing && command == Number) emit Progressed(progress);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)
@@ -227,6 +275,8 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
     const WhenArrived arrived = std::exchange(Arrived, {});
     const Download download{ended.Good, ended.Good ? ended.Bytes : QByteArray(), Code, Info};
     Executing = false;
+    if (ended.Transferred) emit Transferred(*ended.Transferred);
+    if (command != Number || Executing) return;
     emit StateChanged(ended.Good ? ResponseCompleted : Error);
     if (arrived) arrived(download);
 }

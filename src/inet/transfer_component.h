@@ -4,6 +4,7 @@
 #include "inet/worker.h"
 
 #include <memory>
+#include <variant>
 
 /// The transfer component that talks to servers. A thread of its own, begun with the first command, carries the
 /// conversation; everything here happens on the user-interface thread. Going away ends a running command and returns
@@ -34,14 +35,19 @@ public:
     int ResponseCode() const override;
     QString ResponseInfo() const override;
     void SetListingLineHelp(bool on) override;
+    void SetMoreToCome(bool more) override;
 
 private:
     struct Properties;
     struct Ended;
+    struct Decoder;
+    class Teller;
+    using Told = std::variant<int, QString, Progress, Ended>;
 
     quint64 Begin();
     Worker::Listener ListenerOf(quint64 command);
     void Report(quint64 command, int state);
+    void Show(quint64 command, const Progress& progress);
     void Finish(quint64 command, const Ended& ended);
     void FailSoon(int code, const QString& sentence);
 

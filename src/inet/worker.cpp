@@ -9,9 +9,9 @@
 
 Worker::Worker()
     : Work(asio::make_work_guard(Context)), Network(Context.get_executor()), Time(Context.get_executor()),
-      Session(
-          Network, Time,
-          {[this](int state) { Current.State(state); }, [this](std::string line) { Current.Remark(std::move(line)); }}),
+      Session(Network, Time,
+              {[this](int state) { Note(state); }, [this](std::string line) { Note(std::move(line)); },
+               [this](const Ftp::Progress& progress) { Note(progress); }}),
       Thread([this] { Run(); })
 {
 }
@@ -20,7 +20,10 @@ Worker::Worker()
 Worker::~Worker()
 {
     Cancel();
-    asio::post(Context, [this] { Session.Drop(); });
+    asio::post(Context, [this] {
+        Session.Drop();
+        NotedDue.reset();
+    });
     Work.reset();
     Thread.join();
 }
@@ -64,7 +67,24 @@ Ftp::Task<> Worker::Carry(Ftp::Task<Ftp::Outcome> command)
         Busy = false;
         Changed.notify_all();
     }
-    Current.Ended(std::move(outcome));
+    Noted.emplace_back(std::move(outcome));
+    HandOver();
+}
+
+// Nobody sees a delay this short, and a command that ends sooner is told of in one go.
+void Worker::Note(News news)
+{
+    constexpr Ftp::Milliseconds Delay{5};
+    Noted.push_back(std::move(news));
+    if (!NotedDue) NotedDue = Time.After(Delay, [this] {
+        NotedDue.reset();
+        HandOver();
+    });
+}
+
+void Worker::HandOver()
+{
+    if (!Noted.empty()) Current(std::exchange(Noted, {}));
 }
 
 void Worker::Drop()

@@ -9,19 +9,23 @@
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
+#include <variant>
+#include <vector>
 
 /// The transfer thread and the session that lives on it. Its members are called from one other thread; what it calls
 /// back is called on the transfer thread, and must only hand over.
 class Worker {
 public:
-    /// What one command tells while it runs and when it has ended.
-    struct Listener {
-        std::function<void(int)> State;
-        std::function<void(std::string)> Remark;
-        std::function<void(Ftp::Outcome)> Ended;
-    };
+    /// One thing that a command tells: a state, a remark, how far a transfer has come, or, last, how it ended.
+    using News = std::variant<int, std::string, Ftp::Progress, Ftp::Outcome>;
+
+    /// Takes what one command tells, in order. News come a few at a time: waking the other thread for each of them
+    /// would cost more than a small transfer.
+    using Listener = std::function<void(std::vector<News>)>;
 
     Worker();
     /// Ends what runs and joins the thread, within a fraction of a second.
@@ -44,13 +48,20 @@ public:
 private:
     void Start(Ftp::Task<Ftp::Outcome> command, Listener listener);
     Ftp::Task<> Carry(Ftp::Task<Ftp::Outcome> command);
+    void Note(News news);
+    void HandOver();
     void Run();
 
     asio::io_context Context;
     asio::executor_work_guard<asio::io_context::executor_type> Work;
     Ftp::SocketNetwork Network;
     Ftp::AsioClock Time;
-    Listener Current;  ///< transfer thread only
+
+    // Transfer thread only
+    Listener Current;
+    std::vector<News> Noted;                      ///< not handed over yet
+    std::unique_ptr<Ftp::Clock::Alarm> NotedDue;  ///< rings when they have to be
+
     Ftp::Session Session;
 
     std::mutex Lock;

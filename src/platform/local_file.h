@@ -18,10 +18,14 @@ public:
     /// Up to `size` further bytes; 0 at the end.
     std::size_t Read(char* buffer, std::size_t size);
 
+    /// Bytes, when it was opened.
+    std::uint64_t Size() const { return Bytes; }
+
     int Descriptor() const { return File; }
 
 private:
     int File;
+    std::uint64_t Bytes = 0;
 };
 
 /// A file that is being written beside its target, under a hidden name, and takes the target's place only when it is

@@ -40,6 +40,7 @@ public:
     [[nodiscard]] PumpResult Move();
 
 private:
+    PumpResult MoveFirst();
     bool OpenPipe();
     void ClosePipe();
     PumpResult MoveByPipe();
@@ -51,6 +52,7 @@ private:
     int File;
     int PipeBegin = -1;
     int PipeEnd = -1;
+    bool IsLong = false;  ///< so much has come at once that the system's own way is worth its beginning
     bool SystemRefuses = false;
     std::vector<char> Buffer;
 };

@@ -66,6 +66,7 @@ public:
 
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
+    bool MoreToCome = false;
 
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
@@ -91,6 +92,8 @@ public:
     QString ResponseInfo() const override { return Info; }
 
     void SetListingLineHelp(bool on) override { ListingLineHelp = on; }
+
+    void SetMoreToCome(bool more) override { MoreToCome = more; }
 
 private:
     void Put(const QString& member, const QString& value);

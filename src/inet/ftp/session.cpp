@@ -68,6 +68,11 @@ std::string Without(const std::string& secret, std::string text)
     return text;
 }
 
+std::string MoveLine(const std::string& name)
+{
+    return name.empty() ? "CDUP" : "CWD " + name;
+}
+
 }  // namespace
 
 Session::Session(Network& network, Clock& clock, Observer observer)
@@ -101,6 +106,7 @@ Task<Outcome> Session::Fetch(Target target, Manner manner)
 Task<Outcome> Session::Guarded(Task<std::string> work)
 {
     Unfinished = false;
+    Proof.reset();
     Outcome outcome;
     std::optional<Failure> failure;
     try {
@@ -113,6 +119,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
     if (failure) {
+        co_await GetInStep();
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
         outcome.Text = Without(Where.Password, std::move(failure->Text));
@@ -120,6 +127,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
         co_return outcome;
     }
     outcome.Good = true;
+    outcome.Transferred = Proof;
     if (Control) {
         outcome.Code = Control->Last().Code;
         outcome.Text = Without(Where.Password, Control->Last().Text());
@@ -136,10 +144,42 @@ bool Session::LeavesSessionAsItWas(const Failure& failure) const
     return (failure.Kind == Failure::Refused && failure.Code != NotLoggedIn) || (local && !Unfinished);
 }
 
+// What was sent ahead of a refused line was carried out or refused as well.
+Task<> Session::GetInStep()
+{
+    if (!Ready || !Control || !Control->IsAlive() || !Control->IsAhead()) co_return;
+    try {
+        co_await Control->GiveUpAhead();
+    } catch (const Failure&) {
+        CloseConnection();
+    }
+    Why.Reset();
+}
+
+// A server that cannot cope with lines sent ahead gets them one at a time, on a new connection.
 Task<std::string> Session::Run(Operation operation)
 {
+    try {
+        Operation copy = operation;
+        co_return co_await RunOnce(std::move(copy));
+    } catch (const Failure&) {
+        const bool blamed = Control && Control->MayBlameAhead() && !OneAtATime && !Why.IsCancelled();
+        if (!blamed) throw;
+    }
+    OneAtATime = true;
+    Why.ForgiveTimeOut();
+    CloseConnection();
+    co_return co_await RunOnce(std::move(operation));
+}
+
+Task<std::string> Session::RunOnce(Operation operation)
+{
     if (!std::holds_alternative<Close>(operation)) {
-        if (!Control || !Control->IsAlive()) co_await Connect();
+        if (!Control || !Control->IsAlive()) {
+            CloseConnection();
+            std::vector<std::string> ahead = LinesBefore(operation);
+            co_await Connect(std::move(ahead));
+        }
         Begin();
     }
     std::string asked = co_await std::visit([this](auto& one) { return Do(std::move(one)); }, operation);
@@ -149,7 +189,7 @@ Task<std::string> Session::Run(Operation operation)
 
 Task<std::string> Session::RunFetch(std::string path)
 {
-    co_await Connect();
+    co_await Connect({});
     Begin();
     co_await SetType('I');
     MemorySink sink(std::size_t{2} * 1024 * 1024 * 1024);
@@ -181,15 +221,20 @@ void Session::Drop()
     Moves.clear();
     LastListing.clear();
     Where = {};
+    OneAtATime = false;
 }
 
 void Session::CloseConnection()
 {
     Control.reset();
     Ready = false;
+    Can = {};
+    Type = 'A';
+    Why.Rest();
 }
 
-Task<> Session::Connect()
+// `ahead` is what will be said once the working folder is reached.
+Task<> Session::Connect(std::vector<std::string> ahead)
 {
     CloseConnection();
     Tell.State(ResolvingHost);
@@ -204,9 +249,7 @@ Task<> Session::Connect()
     std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
     Tell.State(Connected);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
-    Can = {};
-    Type = 'A';
-    co_await LogIn();
+    co_await LogIn(std::move(ahead));
     co_await EnterFolders();
     Ready = true;
 }
@@ -232,8 +275,10 @@ Task<std::shared_ptr<Wire>> Session::Reach(std::vector<Endpoint> endpoints)
     throw Failure(failure);
 }
 
-Task<> Session::LogIn()
+Task<> Session::LogIn(std::vector<std::string> ahead)
 {
+    for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) ahead.insert(ahead.begin(), MoveLine(*move));
+    if (!Where.Path.empty()) ahead.insert(ahead.begin(), "CWD " + Where.Path);
     const Reply greeting = co_await Control->HearFinal();
     if (IsBad(greeting)) throw RefusalOf(greeting);
     std::string user = "USER " + (Where.User.empty() ? "anonymous" : Where.User);
@@ -241,6 +286,8 @@ Task<> Session::LogIn()
     if (reply.KindOf() == Reply::NeedMore && reply.Code != AccountWanted) {
         const bool anonymous = Where.User.empty() && Where.Password.empty();
         std::string password = "PASS " + (anonymous ? "anonymous@example.com" : Where.Password);
+        ahead.insert(ahead.begin(), password);
+        co_await SendAhead(std::move(ahead));
         reply = co_await Control->Say(std::move(password));
     }
     if (reply.Code == AccountWanted) throw AccountFailure(reply);
@@ -258,7 +305,7 @@ Task<> Session::EnterFolders()
         (void)co_await Control->Expect(std::move(command));
     }
     for (const std::string& name : moves) {
-        std::string command = name.empty() ? "CDUP" : "CWD " + name;
+        std::string command = MoveLine(name);
         (void)co_await Control->Expect(std::move(command));
     }
     Moves = std::move(moves);
@@ -270,6 +317,52 @@ Task<> Session::SetType(char type)
     std::string command = std::string("TYPE ") + type;
     (void)co_await Control->Expect(std::move(command));
     Type = type;
+}
+
+/// The lines that Perform is going to say before an operation's data connection, in order.
+std::vector<std::string> Session::LinesBefore(const Operation& operation) const
+{
+    if (std::holds_alternative<ListFull>(operation)) return LinesBefore('A', {}, "LIST");
+    if (std::holds_alternative<ListNames>(operation)) return LinesBefore('A', {}, "NLST");
+    if (const auto* send = std::get_if<Ftp::Send>(&operation)) return LinesBefore('I', {}, "STOR " + send->Remote);
+    if (const auto* receive = std::get_if<Receive>(&operation)) {
+        const std::string name = FirstChoice(receive->Remote);
+        return LinesBefore('I', name, "RETR " + name);
+    }
+    return {};
+}
+
+// The command goes with them only where the port that it needs will surely be one that can be reached.
+std::vector<std::string> Session::LinesBefore(char type, const std::string& sized, std::string command) const
+{
+    std::vector<std::string> lines;
+    if (Type != type) lines.push_back(std::string("TYPE ") + type);
+    lines.push_back(PassiveLine());
+    if (!sized.empty() && Can.Size) lines.push_back("SIZE " + sized);
+    if (Can.PassiveWorked) lines.push_back(std::move(command));
+    return lines;
+}
+
+Task<> Session::SendAhead(std::vector<std::string> lines)
+{
+    if (OneAtATime || Control->IsOdd() || lines.size() < 2) co_return;
+    if (Control->IsAhead()) {
+        if (!Control->IsOnlyAhead(lines.front())) co_return;
+        lines.erase(lines.begin());
+    }
+    co_await Control->SendAhead(std::move(lines));
+}
+
+// While this side gets ready for the next file the server makes its port.
+Task<> Session::AskForNextPort()
+{
+    if (!How.MoreToCome || OneAtATime || Control->IsOdd() || !Can.PassiveWorked) co_return;
+    try {
+        std::vector<std::string> lines(1, PassiveLine());
+        co_await Control->SendAhead(std::move(lines));
+    } catch (const Failure&) {
+        // The next command will find the connection closed.
+    }
 }
 
 // EPSV (RFC 2428) works for both kinds of addresses and through translators of addresses; PASV is what older servers
@@ -288,6 +381,8 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
             failure = Why.Explain(thrown);
         }
         if (!canFallBack || Why.IsInterrupted() || failure.Code == ServiceClosing) throw Failure(failure);
+        // The command that waits for this connection at the server cannot be taken back.
+        if (failure.Kind != Failure::Refused && Control->IsAhead()) throw Failure(failure);
         Can.ExtendedPassive = false;
     }
     const Reply reply = co_await Control->Expect("PASV");
@@ -306,6 +401,7 @@ Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds limit)
         if (limit < How.Limit && !Why.IsCancelled()) guard.Forgive();
         throw;
     }
+    Can.PassiveWorked = true;
     co_return wire;
 }
 

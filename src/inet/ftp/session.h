@@ -4,6 +4,7 @@
 #include "inet/ftp/data_ends.h"
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
+#include "inet/ftp/progress.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
 
@@ -31,6 +32,13 @@ struct Target {
 struct Manner {
     Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
     bool ListingLineHelp = true;                    ///< a refused listing line is tried once more by its name
+    bool MoreToCome = false;                        ///< another file follows this one, in the same direction
+};
+
+/// What is known of the size of a transfer that went well.
+struct Confirmation {
+    std::uint64_t Bytes = 0;  ///< received or sent
+    bool BySize = false;      ///< the server's SIZE says the same
 };
 
 /// How a command ended.
@@ -39,12 +47,14 @@ struct Outcome {
     int Code = 0;       ///< the three digits of the reply that decided, or an Internet error number
     std::string Text;   ///< the server's text, or a plain sentence; never holds the password
     std::string Reply;  ///< what the command asked for: a listing, a size, a folder
+    std::optional<Confirmation> Transferred{};  ///< of a file that was received or sent
 };
 
 /// What a session tells while it works; called on the transfer thread.
 struct Observer {
     std::function<void(int)> State;           ///< the numbers of Inet::State, 1 to 10
     std::function<void(std::string)> Remark;  ///< one line
+    ProgressMeter::Listener Progress{};       ///< of a file that is received or sent
 };
 
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
@@ -78,13 +88,16 @@ public:
 private:
     struct Capabilities {
         bool ExtendedPassive = true;  ///< EPSV has not been refused yet
+        bool PassiveWorked = false;   ///< a data connection to a port of the server has been made
         bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
+        bool Size = true;             ///< SIZE has not been called unknown yet
+        bool SizeWorked = false;      ///< SIZE has been answered with a figure
     };
 
     // Connecting
-    Task<> Connect();
+    Task<> Connect(std::vector<std::string> ahead);
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
-    Task<> LogIn();
+    Task<> LogIn(std::vector<std::string> ahead);
     Task<> EnterFolders();
     Task<> HangUp();
     void CloseConnection();
@@ -110,19 +123,30 @@ private:
     Task<std::string> Do(WorkingFolder);
     Task<std::string> Do(Close);
 
+    // Lines that can be sent before the ones ahead of them are answered
+    std::vector<std::string> LinesBefore(const Operation& operation) const;
+    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
+    Task<> SendAhead(std::vector<std::string> lines);
+    Task<> AskForNextPort();
+    std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
+
     Task<std::string> Run(Operation operation);
+    Task<std::string> RunOnce(Operation operation);
     Task<std::string> RunFetch(std::string path);
     Task<Outcome> Guarded(Task<std::string> work);
+    Task<> GetInStep();
     bool LeavesSessionAsItWas(const Failure& failure) const;
     Task<std::string> List(std::string command);
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;
     Task<Reply> ReceiveAs(std::string name, std::unique_ptr<Sink> sink);
     Task<Reply> Retrieve(std::string name, Sink& sink);
-    Task<> CheckSize(std::string name, const Transfer& transfer);
+    Task<std::optional<std::uint64_t>> AskSize(std::string name);
+    Task<> CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size);
+    Task<> CheckSent(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();
 
-    TransferMeans Means() { return {Net, Why, Time, How.Limit}; }
+    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress}; }
 
     // Listing lines given as names
     std::optional<std::string> NameInLine(const std::string& text) const;
@@ -141,6 +165,8 @@ private:
     std::unique_ptr<ControlConnection> Control;
     bool Ready = false;       ///< logged in, and in the working folder
     bool Unfinished = false;  ///< a transfer is under way: its replies are still owed
+    bool OneAtATime = false;  ///< what was sent ahead to this server has done harm once
+    std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
     Capabilities Can;
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
     std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up

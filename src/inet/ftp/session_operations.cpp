@@ -11,6 +11,9 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t MaxListingBytes = std::size_t{512} * 1024 * 1024;
+constexpr std::uint64_t SizeAskedFrom = 64 * 1024;
+constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2
+constexpr int NotLoggedIn = 530;     // the same
 constexpr Milliseconds GoodbyeLimit = std::chrono::seconds(2);
 constexpr int Disconnecting = 9;
 constexpr int Disconnected = 10;
@@ -109,6 +112,8 @@ Task<std::string> Session::Do(ListFull)
 
 Task<std::string> Session::List(std::string command)
 {
+    std::vector<std::string> ahead = LinesBefore('A', {}, command);
+    co_await SendAhead(std::move(ahead));
     co_await SetType('A');
     const std::shared_ptr<Wire> data = co_await OpenData();
     Unfinished = true;
@@ -143,7 +148,6 @@ Task<std::string> Session::Do(FolderUp)
 Task<std::string> Session::Do(Receive operation)
 {
     if (!operation.LocalGiven && !NameInLine(operation.Remote)) CheckLocalName(operation.Remote);
-    co_await SetType('I');
     const std::string first = FirstChoice(operation.Remote);
     const Reply refusal = co_await ReceiveAs(first, SinkFor(operation, first));
     if (!IsBad(refusal)) co_return std::string();
@@ -174,32 +178,73 @@ Task<Reply> Session::ReceiveAs(std::string name, std::unique_ptr<Sink> sink)
 Task<Reply> Session::Retrieve(std::string name, Sink& sink)
 {
     RequireSendable(name);
-    const std::shared_ptr<Wire> data = co_await OpenData();
     std::string command = "RETR " + name;
+    std::vector<std::string> ahead = LinesBefore('I', name, command);
+    co_await SendAhead(std::move(ahead));
+    co_await SetType('I');
+    const std::shared_ptr<Wire> data = co_await OpenData();
+    const std::optional<std::uint64_t> size = co_await AskSize(name);
     co_await Control->Send(std::move(command));
     Unfinished = true;
     Reply end;
     {
-        Transfer transfer(Means(), *Control, data);
+        Transfer transfer(Means(), *Control, data, size);
         end = co_await transfer.Receive(sink);
-        if (!IsBad(end)) co_await CheckSize(std::move(name), transfer);
+        if (!IsBad(end)) co_await CheckReceived(std::move(name), transfer, size);
     }
     Unfinished = false;
+    if (!IsBad(end)) co_await AskForNextPort();
     co_return end;
 }
 
-// What was announced before the transfer may have been a guess; when less came, the server is asked again.
-Task<> Session::CheckSize(std::string name, const Transfer& transfer)
+// Nothing when the server does not know, or gives no figure: a size is a check, never a condition (RFC 3659, 4).
+Task<std::optional<std::uint64_t>> Session::AskSize(std::string name)
 {
-    const std::optional<std::uint64_t> announced = AnnouncedSize(transfer.Opening());
-    if (!announced || transfer.Bytes() >= *announced) co_return;
+    if (!Can.Size) co_return std::nullopt;
     std::string command = "SIZE " + name;
     const Reply reply = co_await Control->Say(std::move(command));
-    const std::optional<std::uint64_t> size = IsBad(reply) ? announced : SizeFigure(reply);
-    if (size && transfer.Bytes() >= *size) co_return;
+    if (reply.Code == 500 || reply.Code == 502 || reply.Code == 504) Can.Size = false;
+    const bool isOver = reply.Code == ServiceClosing || reply.Code == NotLoggedIn;
+    if (isOver && !Unfinished) throw RefusalOf(reply);
+    if (reply.KindOf() != Reply::Done) co_return std::nullopt;
+    const std::optional<std::uint64_t> size = SizeFigure(reply);
+    Can.SizeWorked = Can.SizeWorked || size;
+    co_return size;
+}
+
+// What was announced before the transfer may have been a guess, or the file has changed since; when less came, the
+// server is asked again.
+Task<> Session::CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size)
+{
+    Proof = Confirmation{transfer.Bytes(), size == transfer.Bytes()};
+    const std::optional<std::uint64_t> announced = size ? size : AnnouncedSize(transfer.Opening());
+    if (!announced || transfer.Bytes() >= *announced) co_return;
+    const std::optional<std::uint64_t> now = co_await AskSize(std::move(name));
+    Proof->BySize = now == transfer.Bytes();
+    if (now && transfer.Bytes() >= *now) co_return;
     throw Failure{Failure::Protocol, ResponseError,
                   "The file arrived incomplete: " + std::to_string(transfer.Bytes()) + " of " +
-                      std::to_string(size.value_or(*announced)) + " bytes."};
+                      std::to_string(now.value_or(*announced)) + " bytes."};
+}
+
+// Asking costs a round trip, as nothing may be sent while a transfer is under way: small files are not worth it.
+Task<> Session::CheckSent(std::string name, const Transfer& transfer)
+{
+    Proof = Confirmation{transfer.Bytes(), false};
+    if (!Can.SizeWorked || transfer.Bytes() < SizeAskedFrom) co_return;
+    std::optional<std::uint64_t> size;
+    try {
+        size = co_await AskSize(std::move(name));
+    } catch (const Failure&) {
+        // The server has confirmed the file already; that it went away since changes nothing.
+        if (Why.IsCancelled()) throw;
+        Why.ForgiveTimeOut();
+    }
+    Proof->BySize = size == transfer.Bytes();
+    if (!size || transfer.Bytes() <= *size) co_return;
+    throw Failure{Failure::Protocol, ResponseError,
+                  "The server has stored only " + std::to_string(*size) + " of " + std::to_string(transfer.Bytes()) +
+                      " bytes."};
 }
 
 Task<std::string> Session::Do(Ftp::Send operation)
@@ -213,15 +258,20 @@ Task<std::string> Session::Do(Ftp::Send operation)
     } catch (const std::system_error& error) {
         throw LocalFailure(path, error.code().value());
     }
+    std::string command = "STOR " + operation.Remote;
+    std::vector<std::string> ahead = LinesBefore('I', {}, command);
+    co_await SendAhead(std::move(ahead));
     co_await SetType('I');
     const std::shared_ptr<Wire> data = co_await OpenData();
-    std::string command = "STOR " + operation.Remote;
+    const bool eager = Control->IsAhead();
     co_await Control->Send(std::move(command));
     Unfinished = true;
-    Transfer transfer(Means(), *Control, data);
-    const Reply end = co_await transfer.Send(*file, path);
+    Transfer transfer(Means(), *Control, data, file->Size());
+    const Reply end = co_await transfer.Send(*file, path, eager);
+    if (!IsBad(end)) co_await CheckSent(std::move(operation.Remote), transfer);
     Unfinished = false;
     if (IsBad(end)) throw RefusalOf(end);
+    co_await AskForNextPort();
     co_return std::string();
 }
 

@@ -4,8 +4,6 @@
 #include "platform/pump.h"
 
 #include <array>
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <asio/post.hpp>
 #include <optional>
 #include <system_error>
@@ -23,22 +21,19 @@ Task<> Breathe(asio::any_io_executor executor)
     co_await asio::post(executor, asio::use_awaitable);
 }
 
-struct FirstByte {
-    bool Came = false;
-    bool Watched = true;  ///< somebody still wants to know
-};
+/// Lets the replies that come count as progress of a wait for data.
+class Watching {
+public:
+    Watching(Guard*& place, Guard& guard) : Place(place) { Place = &guard; }
 
-/// Nudges the control connection when the first data is there.
-Task<> WatchForData(std::shared_ptr<Wire> data, std::shared_ptr<FirstByte> first, ControlConnection* control)
-{
-    try {
-        co_await data->WaitReadable();
-    } catch (const Failure&) {
-        // The one who reads the data will meet the same failure.
-    }
-    first->Came = true;
-    if (first->Watched) control->Nudge();
-}
+    ~Watching() { Place = nullptr; }
+
+    Watching(const Watching&) = delete;
+    Watching& operator=(const Watching&) = delete;
+
+private:
+    Guard*& Place;
+};
 
 [[noreturn]] void ThrowLost(const PumpResult& moved)
 {
@@ -48,21 +43,23 @@ Task<> WatchForData(std::shared_ptr<Wire> data, std::shared_ptr<FirstByte> first
 
 }  // namespace
 
-Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data)
-    : Use(means), Control(control), Data(std::move(data))
+Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data,
+                   std::optional<std::uint64_t> expected)
+    : Use(means), Control(control), Data(std::move(data)), Meter(means.Time, means.Tell, expected)
 {
-    Control.SetReplyListener([this](const Reply& reply) { Note(reply); });
+    Control.SetListeners([this](const Reply& reply) { Note(reply); }, [this] { NoteEnd(); });
 }
 
 Transfer::~Transfer()
 {
-    Control.SetReplyListener({});
+    Control.RemoveListeners();
     Data->Abort();
 }
 
 // Called as replies come, so that a refusal in the middle ends the wait for data.
 void Transfer::Note(const Reply& reply)
 {
+    if (Watch != nullptr) Watch->Progress();
     if (reply.KindOf() == Reply::Preliminary) {
         if (First.Code == 0) First = reply;
         return;
@@ -73,38 +70,30 @@ void Transfer::Note(const Reply& reply)
     if (Refused) Data->Abort();
 }
 
-// The server agrees with a preliminary reply, or by sending, or by an early final one. Returns whether it has.
-Task<bool> Transfer::WaitForStart(bool receiving)
+// Without a word from the server and without a byte of data there is nothing to wait for any more.
+void Transfer::NoteEnd()
 {
-    const auto first = std::make_shared<FirstByte>();
-    if (receiving) asio::co_spawn(Use.Net.Executor(), WatchForData(Data, first, &Control), asio::detached);
-
-    struct Unwatch {
-        FirstByte& First;
-
-        ~Unwatch() { First.Watched = false; }
-    } const unwatch{*first};
-
-    while (First.Code == 0 && Final.Code == 0 && !first->Came) {
-        co_await Control.WaitForReplyOrNudge();
-        if (Control.HasReply()) (void)co_await Control.Hear();
-    }
-    co_return !Refused;
+    if (!Begun && First.Code == 0 && Final.Code == 0) Data->Abort();
 }
 
+// The server agrees with a preliminary reply, or by an early final one.
+Task<> Transfer::WaitForConsent()
+{
+    while (First.Code == 0 && Final.Code == 0) (void)co_await Control.Hear();
+}
+
+// It agrees as well by sending, so there is no need to wait for its word before the data.
 Task<Reply> Transfer::Receive(Sink& sink)
 {
-    const bool started = co_await WaitForStart(true);
-    if (!started) co_return Final;
-    sink.Open();
+    if (Refused) co_return Final;
     Task<> moving = Drain(sink);
     co_return co_await Finish(std::move(moving));
 }
 
-Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path)
+Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path, bool eager)
 {
-    const bool started = co_await WaitForStart(false);
-    if (!started) co_return Final;
+    if (!eager) co_await WaitForConsent();
+    if (Refused) co_return Final;
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
 }
@@ -134,6 +123,14 @@ Task<Reply> Transfer::HearEnd()
 
 Task<> Transfer::Drain(Sink& sink)
 {
+    {
+        Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
+        const Watching watching(Watch, guard);
+        co_await Data->WaitReadable();
+    }
+    if (Refused) co_return;
+    Begun = true;
+    sink.Open();
     if (sink.Descriptor() >= 0 && Data->NativeSocket() >= 0)
         co_await DrainByPump(sink);
     else
@@ -146,7 +143,7 @@ Task<> Transfer::DrainByPump(Sink& sink)
     SocketToFile pump(Data->NativeSocket(), sink.Descriptor());
     for (;;) {
         const PumpResult moved = pump.Move();
-        Count += moved.Bytes;
+        Meter.Add(moved.Bytes);
         if (moved.Bytes > 0) guard.Progress();
         switch (moved.End) {
         case PumpEnd::Moved:
@@ -174,7 +171,7 @@ Task<> Transfer::DrainByBuffer(Sink& sink)
         const std::size_t count = co_await Data->Read(buffer.data(), buffer.size());
         if (count == 0) co_return;
         guard.Progress();
-        Count += count;
+        Meter.Add(count);
         sink.Write(buffer.data(), count);
     }
 }
@@ -194,7 +191,7 @@ Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
     FileToSocket pump(file.Descriptor(), Data->NativeSocket());
     for (;;) {
         const PumpResult moved = pump.Move();
-        Count += moved.Bytes;
+        Meter.Add(moved.Bytes);
         if (moved.Bytes > 0) guard.Progress();
         switch (moved.End) {
         case PumpEnd::Moved:
@@ -228,7 +225,7 @@ Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
         if (count == 0) co_return;
         co_await Data->Write(std::string(buffer.data(), count));
         guard.Progress();
-        Count += count;
+        Meter.Add(count);
     }
 }
 

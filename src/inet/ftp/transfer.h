@@ -2,10 +2,12 @@
 
 #include "inet/ftp/control_connection.h"
 #include "inet/ftp/data_ends.h"
+#include "inet/ftp/progress.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace Ftp {
 
@@ -15,6 +17,7 @@ struct TransferMeans {
     Intent& Why;
     Clock& Time;
     Milliseconds Limit;
+    const ProgressMeter::Listener& Tell;
 };
 
 /// One transfer: the data connection and the replies that go with it (RFC 959, 3.2 and 5.4). It succeeds only when
@@ -22,7 +25,9 @@ struct TransferMeans {
 /// The command must have been sent already. Transfer thread only.
 class Transfer {
 public:
-    Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data);
+    /// `expected`: the bytes to come or to go, where that is known.
+    Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data,
+             std::optional<std::uint64_t> expected = {});
     ~Transfer();
     Transfer(const Transfer&) = delete;
     Transfer& operator=(const Transfer&) = delete;
@@ -31,16 +36,16 @@ public:
     /// Returns the final reply, good or bad; a bad one that came instead of a transfer means that nothing arrived.
     Task<Reply> Receive(Sink& sink);
 
-    /// Sends the file. The same for the final reply.
-    Task<Reply> Send(ReadFile& file, const std::filesystem::path& path);
+    /// Sends the file. The same for the final reply. `eager`: the data need not wait for the server's agreement.
+    Task<Reply> Send(ReadFile& file, const std::filesystem::path& path, bool eager);
 
-    std::uint64_t Bytes() const { return Count; }
+    std::uint64_t Bytes() const { return Meter.Done(); }
 
     /// The first preliminary reply, which may announce the size; Code 0 when there was none.
     const Reply& Opening() const { return First; }
 
 private:
-    Task<bool> WaitForStart(bool receiving);
+    Task<> WaitForConsent();
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
@@ -50,6 +55,7 @@ private:
     Task<Reply> Finish(Task<> moving);
     Task<Reply> HearEnd();
     void Note(const Reply& reply);
+    void NoteEnd();
 
     TransferMeans Use;
     ControlConnection& Control;
@@ -57,7 +63,9 @@ private:
     Reply First;
     Reply Final;           ///< Code 0 until it has come
     bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
-    std::uint64_t Count = 0;
+    bool Begun = false;    ///< data has begun to come
+    Guard* Watch = nullptr;  ///< of the data that is waited for now
+    ProgressMeter Meter;
 };
 
 }  // namespace Ftp

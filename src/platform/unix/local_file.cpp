@@ -31,7 +31,10 @@ ReadFile::ReadFile(const std::filesystem::path& path) : File(open(path.c_str(), 
 
     struct stat facts {};
 
-    if (fstat(File, &facts) == 0 && S_ISREG(facts.st_mode)) return;
+    if (fstat(File, &facts) == 0 && S_ISREG(facts.st_mode)) {
+        Bytes = static_cast<std::uint64_t>(facts.st_size);
+        return;
+    }
     close(File);
     errno = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
     ThrowLastError();

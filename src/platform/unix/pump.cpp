@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t MaxBytesPerMove = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t PipeBytes = std::size_t{1024} * 1024;
+constexpr std::size_t FirstBytes = std::size_t{32} * 1024;
 constexpr std::size_t ReceiveBufferBytes = std::size_t{1024} * 1024;
 constexpr std::size_t SendBufferBytes = std::size_t{256} * 1024;
 
@@ -95,8 +96,27 @@ SocketToFile::~SocketToFile()
 
 PumpResult SocketToFile::Move()
 {
+    if (!SystemRefuses && !IsLong) return MoveFirst();
     if (SystemRefuses || !OpenPipe()) return MoveByBuffer();
     return MoveByPipe();
+}
+
+// What fits into a page or two of the program is moved more quickly than a pipe is made.
+PumpResult SocketToFile::MoveFirst()
+{
+    Buffer.resize(FirstBytes);
+    std::size_t moved = 0;
+    while (!IsLong) {
+        const ssize_t count = Persist([&] { return ::recv(Socket, Buffer.data(), Buffer.size(), 0); });
+        if (count < 0) return ReadFailure(moved, errno);
+        if (count == 0) return {PumpEnd::End, moved, 0};
+        const auto bytes = static_cast<std::size_t>(count);
+        IsLong = bytes == Buffer.size();
+        const int error = WriteAll(File, Buffer.data(), bytes, moved);
+        if (error != 0) return {PumpEnd::TargetError, moved, error};
+        if (moved >= MaxBytesPerMove) break;
+    }
+    return {PumpEnd::Moved, moved, 0};
 }
 
 void SocketToFile::ClosePipe()
