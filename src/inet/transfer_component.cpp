@@ -5,7 +5,10 @@
 #include "inet/ftp/address.h"
 #include "inet/ftp/failure.h"
 
+#include <QPointer>
 #include <algorithm>
+#include <map>
+#include <string>
 #include <utility>
 
 /// What Execute and OpenURL go by, as it was set.
@@ -34,6 +37,12 @@ struct TransferComponent::Ended {
 namespace {
 
 constexpr int FtpPort = 21;
+constexpr int SecureFtpPort = 990;
+
+const std::map<std::string, ::Ftp::Protection> Protections = {{"", ::Ftp::Protection::None},
+                                                              {"ftp", ::Ftp::Protection::None},
+                                                              {"ftpes", ::Ftp::Protection::Upgraded},
+                                                              {"ftps", ::Ftp::Protection::FromStart}};
 
 std::string BytesOf(const QString& text)
 {
@@ -50,6 +59,19 @@ struct Impossible {
     int Code;
     QString Sentence;
 };
+
+QString TextOf(const std::string& bytes)
+{
+    return BytesToText(ArrayOf(bytes));
+}
+
+Inet::DoubtfulCertificate DoubtfulOf(const Ftp::Certificate& shown)
+{
+    return {TextOf(shown.Host),        shown.Port,
+            TextOf(shown.Subject),     TextOf(shown.Issuer),
+            TextOf(shown.ValidFrom),   TextOf(shown.ValidUntil),
+            TextOf(shown.Fingerprint), TextOf(::Ftp::DoubtsOf(shown))};
+}
 
 Ftp::Operation OperationOf(const QString& text)
 {
@@ -75,14 +97,16 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
         throw Impossible{::Ftp::ConnectError, "Connections through a proxy are not possible yet."};
     const std::optional<::Ftp::Address> address = ::Ftp::ParseAddress(BytesOf(url.trimmed()));
     if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
-    const bool isFtp = address->Scheme == "ftp" || address->Scheme.empty();
-    if (!isFtp || Protocol == Http || Protocol == SecureHttp)
+    const auto protection = Protections.find(address->Scheme);
+    if (protection == Protections.end() || Protocol == Http || Protocol == SecureHttp)
         throw Impossible{::Ftp::SchemeError, "Only FTP addresses can be used."};
     ::Ftp::Target target;
+    target.Safety = protection->second;
     target.Host = address->Host;
     const bool addressDecides = RemotePort == 0 || RemotePort == FtpPort;
-    const int port = addressDecides && address->Port != 0 ? address->Port : RemotePort;
-    target.Port = static_cast<std::uint16_t>(port == 0 ? FtpPort : port);
+    const int usual = target.Safety == ::Ftp::Protection::FromStart ? SecureFtpPort : FtpPort;
+    const int chosen = address->Port != 0 ? address->Port : usual;
+    target.Port = static_cast<std::uint16_t>(addressDecides ? chosen : RemotePort);
     target.User = BytesOf(UserName);
     target.Password = BytesOf(Password);
     if (UserName.isEmpty() && address->HasUser && !address->User.empty()) {
@@ -146,6 +170,11 @@ void TransferComponent::SetRequestTimeout(int seconds)
     Chosen->Manner.Limit = std::chrono::seconds(std::max(seconds, 1));
 }
 
+void TransferComponent::SetCertificateJudge(CertificateJudge judge)
+{
+    Trusts = std::move(judge);
+}
+
 void TransferComponent::SetListingLineHelp(bool on)
 {
     Chosen->Manner.ListingLineHelp = on;
@@ -202,6 +231,9 @@ Worker::Listener TransferComponent::ListenerOf(quint64 command)
             ended.Reply = BytesToText(ended.Bytes);
             hand([this, command, ended = std::move(ended)] { Finish(command, ended); });
         },
+        [this, hand, command](unsigned question, const ::Ftp::Certificate& shown) {
+            hand([this, command, question, doubtful = DoubtfulOf(shown)] { Judge(command, question, doubtful); });
+        },
     };
 }
 
@@ -216,6 +248,16 @@ void TransferComponent::FailSoon(int code, const QString& sentence)
 void TransferComponent::Report(quint64 command, int state)
 {
     if (Executing && command == Number) emit StateChanged(state);
+}
+
+// While the judge thinks, the command may be cancelled, or this object go away.
+void TransferComponent::Judge(quint64 command, unsigned question, const DoubtfulCertificate& certificate)
+{
+    if (!Executing || command != Number) return;
+    const QPointer<TransferComponent> self(this);
+    const CertificateJudge trusts = Trusts;
+    const bool accepted = trusts && trusts(certificate);
+    if (self) Thread->Answer(question, accepted);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)

@@ -33,6 +33,7 @@ public:
 
     int ResponseCode() const override;
     QString ResponseInfo() const override;
+    void SetCertificateJudge(CertificateJudge judge) override;
     void SetListingLineHelp(bool on) override;
 
 private:
@@ -42,6 +43,7 @@ private:
     quint64 Begin();
     Worker::Listener ListenerOf(quint64 command);
     void Report(quint64 command, int state);
+    void Judge(quint64 command, unsigned question, const DoubtfulCertificate& certificate);
     void Finish(quint64 command, const Ended& ended);
     void FailSoon(int code, const QString& sentence);
 
@@ -49,6 +51,7 @@ private:
     std::unique_ptr<Worker> Thread;  ///< begun with the first command
     quint64 Number = 0;              ///< of the command begun last; nothing of an older one is reported any more
     bool Executing = false;
+    CertificateJudge Trusts;
     WhenArrived Arrived;  ///< of the OpenURL that runs
     int Code = 0;
     QString Info;

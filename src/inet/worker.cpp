@@ -9,9 +9,10 @@
 
 Worker::Worker()
     : Work(asio::make_work_guard(Context)), Network(Context.get_executor()), Time(Context.get_executor()),
-      Session(
-          Network, Time,
-          {[this](int state) { Current.State(state); }, [this](std::string line) { Current.Remark(std::move(line)); }}),
+      Session(Network, Time,
+              {[this](int state) { Current.State(state); },
+               [this](std::string line) { Current.Remark(std::move(line)); },
+               [this](unsigned question, Ftp::Certificate shown) { Current.Ask(question, std::move(shown)); }}),
       Thread([this] { Run(); })
 {
 }
@@ -65,6 +66,11 @@ Ftp::Task<> Worker::Carry(Ftp::Task<Ftp::Outcome> command)
         Changed.notify_all();
     }
     Current.Ended(std::move(outcome));
+}
+
+void Worker::Answer(unsigned question, bool accepted)
+{
+    asio::post(Context, [this, question, accepted] { Session.Answer(question, accepted); });
 }
 
 void Worker::Drop()

@@ -21,6 +21,7 @@ public:
         std::function<void(int)> State;
         std::function<void(std::string)> Remark;
         std::function<void(Ftp::Outcome)> Ended;
+        Ftp::TlsSession::Asking Ask;
     };
 
     Worker();
@@ -33,6 +34,9 @@ public:
     void Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                  Listener listener);
     void Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener);
+
+    /// Answers the question of this number; nothing happens when nobody waits for it any more.
+    void Answer(unsigned question, bool accepted);
 
     /// Closes the session at once and in silence.
     void Drop();

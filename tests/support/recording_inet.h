@@ -66,6 +66,7 @@ public:
 
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
+    CertificateJudge Judge;
 
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
@@ -89,6 +90,8 @@ public:
     int ResponseCode() const override { return Code; }
 
     QString ResponseInfo() const override { return Info; }
+
+    void SetCertificateJudge(CertificateJudge judge) override { Judge = std::move(judge); }
 
     void SetListingLineHelp(bool on) override { ListingLineHelp = on; }
 

@@ -122,6 +122,11 @@ bool ControlConnection::HasReply() const
     return !Line->Replies.empty();
 }
 
+bool ControlConnection::HasUnasked() const
+{
+    return !Line->Replies.empty() || !Line->Parser.Empty();
+}
+
 Task<> ControlConnection::WaitForReplyOrNudge()
 {
     const Guard guard(Why, Time, *Line->Stream, Limit);

@@ -44,6 +44,9 @@ public:
     /// A reply of the command now running has come, whether somebody waits for it or not.
     bool HasReply() const;
 
+    /// Something has come that nobody asked for, be it part of a line.
+    bool HasUnasked() const;
+
     /// Waits until HasReply, or until Nudge is called. Throws like Hear.
     Task<> WaitForReplyOrNudge();
     void Nudge();

@@ -24,12 +24,17 @@ Failure Intent::Explain(Failure failure) const
     return failure;
 }
 
-Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds limit)
-    : Why(intent), Time(clock), WaitedFor(waitedFor), Limit(limit), LastProgress(clock.Now())
+Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds limit) : Guard(intent, clock, waitedFor)
+{
+    Limit = limit;
+    Arm(Limit);
+}
+
+Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor)
+    : Why(intent), Time(clock), WaitedFor(waitedFor), Limit(0), LastProgress(clock.Now())
 {
     if (Why.Cancelled) throw Failure{Failure::Cancelled, CancelledError, "The command was cancelled."};
     Why.Waiting.push_back(&WaitedFor);
-    Arm(Limit);
 }
 
 Guard::~Guard()

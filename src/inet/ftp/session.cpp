@@ -71,7 +71,7 @@ std::string Without(const std::string& secret, std::string text)
 }  // namespace
 
 Session::Session(Network& network, Clock& clock, Observer observer)
-    : Net(network), Time(clock), Tell(std::move(observer))
+    : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask)
 {
 }
 
@@ -203,6 +203,7 @@ Task<> Session::Connect()
     Tell.State(Connecting);
     std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
     Tell.State(Connected);
+    wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
     Can = {};
     Type = 'A';
@@ -234,8 +235,10 @@ Task<std::shared_ptr<Wire>> Session::Reach(std::vector<Endpoint> endpoints)
 
 Task<> Session::LogIn()
 {
+    co_await Safe.BeforeGreeting(How.Limit);
     const Reply greeting = co_await Control->HearFinal();
     if (IsBad(greeting)) throw RefusalOf(greeting);
+    co_await Safe.AfterGreeting(*Control, How.Limit);
     std::string user = "USER " + (Where.User.empty() ? "anonymous" : Where.User);
     Reply reply = co_await Control->Say(std::move(user));
     if (reply.KindOf() == Reply::NeedMore && reply.Code != AccountWanted) {
@@ -245,6 +248,7 @@ Task<> Session::LogIn()
     }
     if (reply.Code == AccountWanted) throw AccountFailure(reply);
     if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
+    co_await Safe.AfterLogIn(*Control);
 }
 
 // A connection that is made anew leads where the old one had been. When that is not possible any more the way is

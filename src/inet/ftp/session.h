@@ -4,6 +4,7 @@
 #include "inet/ftp/data_ends.h"
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
+#include "inet/ftp/tls_session.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
 
@@ -24,6 +25,7 @@ struct Target {
     std::string User;      ///< empty: anonymous
     std::string Password;  ///< sent to this target and nowhere else
     std::string Path;      ///< entered after log-in; empty: where the server puts the user
+    Protection Safety = Protection::None;
     bool operator==(const Target&) const = default;
 };
 
@@ -45,6 +47,7 @@ struct Outcome {
 struct Observer {
     std::function<void(int)> State;           ///< the numbers of Inet::State, 1 to 10
     std::function<void(std::string)> Remark;  ///< one line
+    TlsSession::Asking Ask{};                 ///< about certificates; the answer comes by Session::Answer
 };
 
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
@@ -65,6 +68,9 @@ public:
 
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
+
+    /// The user's answer to the question of this number.
+    void Answer(unsigned number, bool accepted) { Safe.Answer(number, accepted); }
 
     /// Closes the connection at once and forgets the working folder.
     void Drop();
@@ -122,7 +128,7 @@ private:
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();
 
-    TransferMeans Means() { return {Net, Why, Time, How.Limit}; }
+    TransferMeans Means() { return {Net, Why, Time, How.Limit, &Safe}; }
 
     // Listing lines given as names
     std::optional<std::string> NameInLine(const std::string& text) const;
@@ -138,6 +144,7 @@ private:
     Manner How;
     std::filesystem::path Folder;
 
+    TlsSession Safe;
     std::unique_ptr<ControlConnection> Control;
     bool Ready = false;       ///< logged in, and in the working folder
     bool Unfinished = false;  ///< a transfer is under way: its replies are still owed

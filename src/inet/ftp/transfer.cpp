@@ -49,7 +49,7 @@ Task<> WatchForData(std::shared_ptr<Wire> data, std::shared_ptr<FirstByte> first
 }  // namespace
 
 Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data)
-    : Use(means), Control(control), Data(std::move(data))
+    : Use(means), Control(control), Data(means.Safe->WrapData(std::move(data)))
 {
     Control.SetReplyListener([this](const Reply& reply) { Note(reply); });
 }
@@ -185,7 +185,19 @@ Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
         co_await PourByPump(file, path);
     else
         co_await PourByBuffer(file, path);
+    co_await Linger();
+}
+
+// Everything is sent; the end must arrive, too. From then on a lost connection changes nothing: the reply decides.
+Task<> Transfer::Linger()
+{
+    const Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     co_await Data->SendEnd();
+    try {
+        co_await Data->AwaitEnd();
+    } catch (const Failure&) {
+        if (Use.Why.IsInterrupted()) throw;
+    }
 }
 
 Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)

@@ -2,6 +2,7 @@
 
 #include "inet/ftp/control_connection.h"
 #include "inet/ftp/data_ends.h"
+#include "inet/ftp/tls_session.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -15,6 +16,7 @@ struct TransferMeans {
     Intent& Why;
     Clock& Time;
     Milliseconds Limit;
+    TlsSession* Safe;  ///< protects the data connection
 };
 
 /// One transfer: the data connection and the replies that go with it (RFC 959, 3.2 and 5.4). It succeeds only when
@@ -36,11 +38,16 @@ public:
 
     std::uint64_t Bytes() const { return Count; }
 
+    /// What was received ended in a way that anybody could have brought about: it is whole only where its size is
+    /// known and right.
+    bool WasCut() const { return !Data->EndedProperly(); }
+
     /// The first preliminary reply, which may announce the size; Code 0 when there was none.
     const Reply& Opening() const { return First; }
 
 private:
     Task<bool> WaitForStart(bool receiving);
+    Task<> Linger();
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
