@@ -48,15 +48,14 @@ TlsContext::~TlsContext()
     SSL_CTX_free(Settings);
 }
 
+// The library makes a session that has been resumed unfit for a second time, so it gets a copy.
 TlsTicket TlsContext::Take()
 {
     if (!Fresh.empty()) {
         Last = std::move(Fresh.back());
         Fresh.pop_back();
     }
-    if (!Last || SSL_SESSION_is_resumable(Last.get()) != 1) return nullptr;
-    SSL_SESSION_up_ref(Last.get());
-    return TlsTicket(Last.get());
+    return TlsTicket(Last ? SSL_SESSION_dup(Last.get()) : nullptr);
 }
 
 void TlsContext::Keep(TlsTicket ticket)

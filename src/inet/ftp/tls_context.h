@@ -27,7 +27,7 @@ public:
     ssl_ctx_st* Get() const { return Settings; }
 
     /// The newest session that can be resumed; nothing when there is none. One of TLS 1.3 serves once (RFC 8446 C.4)
-    /// and is given out twice only when the server has sent no other.
+    /// and is given out twice only when the server has sent no other: some send none while they receive a file.
     TlsTicket Take();
 
     /// Takes a session that a server has just made resumable.
