@@ -124,7 +124,7 @@ bool ControlConnection::HasReply() const
 
 bool ControlConnection::HasUnasked() const
 {
-    return !Line->Replies.empty() || !Line->Parser.Empty();
+    return !Line->Replies.empty() || !Line->Parser.Untouched();
 }
 
 Task<> ControlConnection::WaitForReplyOrNudge()

@@ -32,8 +32,11 @@ public:
     /// Skipped lines count with the reply they stand before.
     [[nodiscard]] bool Failed() const { return HasFailed; }
 
+    /// No bytes of an unfinished line or reply and no reply waiting.
+    [[nodiscard]] bool Empty() const { return Ready.empty() && Line.empty() && !IsOpen; }
+
     /// Nothing has come since the last reply that was taken, not even a line that was skipped.
-    [[nodiscard]] bool Empty() const { return Ready.empty() && Line.empty() && BytesSoFar == 0; }
+    [[nodiscard]] bool Untouched() const { return Empty() && BytesSoFar == 0; }
 
 private:
     void TakeLine(std::string_view line);

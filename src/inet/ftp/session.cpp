@@ -2,6 +2,8 @@
 
 #include "inet/ftp/data_address.h"
 
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <utility>
 
@@ -33,6 +35,20 @@ bool IsBad(const Reply& reply)
 bool IsReachableByIpv4(const Endpoint& peer)
 {
     return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
+}
+
+constexpr const char* SecureOnlyHint =
+    "The server seems to want a secure connection: put ftpes:// before its address, or ftps:// for port 990.";
+
+/// Servers have no common way to say so; these are the words that they use.
+bool MeansSecureOnly(const Failure& failure)
+{
+    if (failure.Kind != Failure::Refused) return false;
+    std::string text = failure.Text;
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char byte) { return std::tolower(byte); });
+    for (const char* word : {"tls", "ssl", "encrypt", "cleartext"})
+        if (text.find(word) != std::string::npos) return true;
+    return false;
 }
 
 Failure AccountFailure(const Reply& reply)
@@ -113,6 +129,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
     if (failure) {
+        if (Where.Safety == Protection::None && MeansSecureOnly(*failure)) Tell.Remark(SecureOnlyHint);
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
         outcome.Text = Without(Where.Password, std::move(failure->Text));
@@ -201,15 +218,31 @@ Task<> Session::Connect()
     }
     Tell.State(HostResolved);
     Tell.State(Connecting);
-    std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
+    std::shared_ptr<Wire> wire = co_await Reach(endpoints);
     Tell.State(Connected);
+    bool loggedIn = co_await TryLogIn(std::move(wire));
+    while (!loggedIn) {
+        wire = co_await Reach(endpoints);
+        loggedIn = co_await TryLogIn(std::move(wire));
+    }
+    co_await EnterFolders();
+    Ready = true;
+}
+
+// A server may lose patience while the user looks at its certificate; then it is called once more.
+Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire)
+{
     wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
     Can = {};
     Type = 'A';
-    co_await LogIn();
-    co_await EnterFolders();
-    Ready = true;
+    try {
+        co_await LogIn();
+    } catch (const Failure& failure) {
+        if (!Safe.HasAsked() || failure.Kind != Failure::Connection || Why.IsInterrupted()) throw;
+        co_return false;
+    }
+    co_return true;
 }
 
 // One address after the other; each has its share of the time that is left for all of them.

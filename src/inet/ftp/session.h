@@ -90,6 +90,7 @@ private:
     // Connecting
     Task<> Connect();
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
+    Task<bool> TryLogIn(std::shared_ptr<Wire> wire);
     Task<> LogIn();
     Task<> EnterFolders();
     Task<> HangUp();
@@ -124,6 +125,7 @@ private:
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;
     Task<Reply> ReceiveAs(std::string name, std::unique_ptr<Sink> sink);
     Task<Reply> Retrieve(std::string name, Sink& sink);
+    Task<> CheckCut(std::string name, const Transfer& transfer);
     Task<> CheckSize(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();

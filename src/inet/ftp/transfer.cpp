@@ -16,6 +16,7 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;
+constexpr Milliseconds LingerLimit = std::chrono::seconds(2);
 
 /// Lets the other tasks of the thread have their turn.
 Task<> Breathe(asio::any_io_executor executor)
@@ -71,6 +72,7 @@ void Transfer::Note(const Reply& reply)
     Final = reply;
     Refused = reply.KindOf() >= Reply::TryLater;
     if (Refused) Data->Abort();
+    if (Lingering) EndLingerSoon();
 }
 
 // The server agrees with a preliminary reply, or by sending, or by an early final one. Returns whether it has.
@@ -193,11 +195,19 @@ Task<> Transfer::Linger()
 {
     const Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     co_await Data->SendEnd();
+    Lingering = true;
+    if (Final.Code != 0) EndLingerSoon();
     try {
         co_await Data->AwaitEnd();
     } catch (const Failure&) {
         if (Use.Why.IsInterrupted()) throw;
     }
+    Lingering = false;
+}
+
+void Transfer::EndLingerSoon()
+{
+    LingerEnds = Use.Time.After(LingerLimit, [this] { Data->Abort(); });
 }
 
 Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)

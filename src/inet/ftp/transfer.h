@@ -48,6 +48,7 @@ public:
 private:
     Task<bool> WaitForStart(bool receiving);
     Task<> Linger();
+    void EndLingerSoon();
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
@@ -62,8 +63,10 @@ private:
     ControlConnection& Control;
     std::shared_ptr<Wire> Data;
     Reply First;
-    Reply Final;           ///< Code 0 until it has come
-    bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
+    Reply Final;                               ///< Code 0 until it has come
+    bool Lingering = false;                    ///< everything is sent, the server's end is still to come
+    std::unique_ptr<Clock::Alarm> LingerEnds;  ///< for a server that never ends what it has confirmed
+    bool Refused = false;                      ///< the server has ended the transfer with a 4xx or 5xx
     std::uint64_t Count = 0;
 };
 
