@@ -30,6 +30,7 @@
 #include "shell/busy_pointer.h"
 #include "shell/sole_input.h"
 #include "shell/status_line.h"
+#include "sites/certificate_question.h"
 #include "sites/clipboard_watch.h"
 #include "sites/site_book.h"
 #include "transfer/name_options.h"
@@ -121,6 +122,7 @@ struct MainWindow::Parts {
     SoleInput Input;
     MessageBoxAsker Boxes;
     Asker& Questions;
+    CertificateQuestion Certificates;
     TextInputDialog Dialog;
     TextInput& Prompt;
     Timers Clocks;
@@ -160,6 +162,7 @@ MainWindow::Parts::Parts(MainWindow& window, ProgramValues& values, SettingsStor
       Log({*Form.List2, *Form.Command22, *Form.Command23, *Form.Command25, *Form.List1}, Around.ProgramFolder, Pointer,
           Around.Beep, Around.Now),
       Boxes(window, Input), Questions(Around.Questions != nullptr ? *Around.Questions : Boxes),
+      Certificates(Questions, values.Errors, Around.ProgramFolder),
       Dialog(window, Input, values.InputText, Around.Beep), Prompt(Around.Prompt != nullptr ? *Around.Prompt : Dialog),
       Clocks(window), Escape(window, values.Chosen.EscapePressed),
       Session(*Inet1, values.Transfer, values.Chosen, Pause),
@@ -281,6 +284,8 @@ void MainWindow::WireSites()
 {
     Parts& own = *Own;
     const Ui::Tolvane& form = own.Form;
+    for (Inet* inet : {own.Inet1.get(), own.Inet2.get(), own.Inet3.get()})
+        inet->SetCertificateJudge([&own](const auto& shown) { return own.Certificates.Accepts(shown); });
     connect(form.Command12, &QAbstractButton::clicked, &own.Book, &SiteBook::Command12_Click);
     connect(form.Command17, &QAbstractButton::clicked, &own.Book, &SiteBook::Command17_Click);
     connect(form.Command18, &QAbstractButton::clicked, &own.Book, &SiteBook::Command18_Click);

@@ -63,6 +63,21 @@ public:
         bool BySize = false;  ///< the server was asked for the file's size, and it is the same
     };
 
+    /// A server's certificate that could not be verified, for the user to look at. The texts are the server's own.
+    struct DoubtfulCertificate {
+        QString Host;
+        int Port = 0;
+        QString Subject;
+        QString Issuer;
+        QString ValidFrom;  ///< "2024-03-09 17:05:08 UTC"
+        QString ValidUntil;
+        QString Fingerprint;  ///< SHA-256, "AB:CD:..."
+        QString Doubts;       ///< why: "it has expired, and it was made for another host"
+    };
+
+    /// Whether it may be used all the same. May take its time, and let events happen meanwhile.
+    using CertificateJudge = std::function<bool(const DoubtfulCertificate&)>;
+
     using WhenArrived = std::function<void(const Download&)>;
 
     explicit Inet(QObject* parent = nullptr) : QObject(parent) {}
@@ -108,6 +123,10 @@ public:
     virtual int ResponseCode() const = 0;
     /// The server's text, or a plain sentence.
     virtual QString ResponseInfo() const = 0;
+
+    /// Who is asked about certificates, on the user-interface thread, while the command waits without a time-out.
+    /// Nobody: what cannot be verified is refused.
+    virtual void SetCertificateJudge(CertificateJudge judge) = 0;
 
     /// Whether a refused listing line is tried once more by the name inside it. On by default.
     virtual void SetListingLineHelp(bool on) = 0;

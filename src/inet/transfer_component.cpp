@@ -5,7 +5,10 @@
 #include "inet/ftp/address.h"
 #include "inet/ftp/failure.h"
 
+#include <QPointer>
 #include <algorithm>
+#include <map>
+#include <string>
 #include <utility>
 
 /// What Execute and OpenURL go by, as it was set.
@@ -32,9 +35,21 @@ struct TransferComponent::Ended {
     std::optional<Confirmation> Transferred;
 };
 
+/// A certificate that the user is to judge.
+struct TransferComponent::Doubt {
+    unsigned Number = 0;
+    DoubtfulCertificate Shown;
+};
+
 namespace {
 
 constexpr int FtpPort = 21;
+constexpr int SecureFtpPort = 990;
+
+const std::map<std::string, ::Ftp::Protection> Protections = {{"", ::Ftp::Protection::None},
+                                                              {"ftp", ::Ftp::Protection::None},
+                                                              {"ftpes", ::Ftp::Protection::Upgraded},
+                                                              {"ftps", ::Ftp::Protection::FromStart}};
 
 std::string BytesOf(const QString& text)
 {
@@ -51,6 +66,19 @@ struct Impossible {
     int Code;
     QString Sentence;
 };
+
+QString TextOf(const std::string& bytes)
+{
+    return BytesToText(ArrayOf(bytes));
+}
+
+Inet::DoubtfulCertificate DoubtfulOf(const Ftp::Certificate& shown)
+{
+    return {TextOf(shown.Host),        shown.Port,
+            TextOf(shown.Subject),     TextOf(shown.Issuer),
+            TextOf(shown.ValidFrom),   TextOf(shown.ValidUntil),
+            TextOf(shown.Fingerprint), TextOf(::Ftp::DoubtsOf(shown))};
+}
 
 Ftp::Operation OperationOf(const QString& text)
 {
@@ -76,14 +104,16 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
         throw Impossible{::Ftp::ConnectError, "Connections through a proxy are not possible yet."};
     const std::optional<::Ftp::Address> address = ::Ftp::ParseAddress(BytesOf(url.trimmed()));
     if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
-    const bool isFtp = address->Scheme == "ftp" || address->Scheme.empty();
-    if (!isFtp || Protocol == Http || Protocol == SecureHttp)
+    const auto protection = Protections.find(address->Scheme);
+    if (protection == Protections.end() || Protocol == Http || Protocol == SecureHttp)
         throw Impossible{::Ftp::SchemeError, "Only FTP addresses can be used."};
     ::Ftp::Target target;
+    target.Safety = protection->second;
     target.Host = address->Host;
     const bool addressDecides = RemotePort == 0 || RemotePort == FtpPort;
-    const int port = addressDecides && address->Port != 0 ? address->Port : RemotePort;
-    target.Port = static_cast<std::uint16_t>(port == 0 ? FtpPort : port);
+    const int usual = target.Safety == ::Ftp::Protection::FromStart ? SecureFtpPort : FtpPort;
+    const int chosen = address->Port != 0 ? address->Port : usual;
+    target.Port = static_cast<std::uint16_t>(addressDecides ? chosen : RemotePort);
     target.User = BytesOf(UserName);
     target.Password = BytesOf(Password);
     if (UserName.isEmpty() && address->HasUser && !address->User.empty()) {
@@ -147,6 +177,11 @@ void TransferComponent::SetRequestTimeout(int seconds)
     Chosen->Manner.Limit = std::chrono::seconds(std::max(seconds, 1));
 }
 
+void TransferComponent::SetCertificateJudge(CertificateJudge judge)
+{
+    Trusts = std::move(judge);
+}
+
 void TransferComponent::SetListingLineHelp(bool on)
 {
     Chosen->Manner.ListingLineHelp = on;
@@ -206,12 +241,18 @@ struct TransferComponent::Decoder {
         return Progress{static_cast<qint64>(progress.Done), expected, static_cast<qint64>(progress.Rate)};
     }
 
+    Told operator()(const Worker::Question& question) const
+    {
+        return Doubt{question.Number, DoubtfulOf(question.Shown)};
+    }
+
     Told operator()(const ::Ftp::Outcome& outcome) const
     {
         Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply), {}};
         ended.Reply = BytesToText(ended.Bytes);
         if (outcome.Transferred)
-            ended.Transferred = Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
+            ended.Transferred =
+                Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
         return ended;
     }
 };
@@ -227,6 +268,8 @@ public:
 
     void operator()(const Progress& progress) const { Component.Show(Command, progress); }
 
+    void operator()(const Doubt& doubt) const { Component.Judge(Command, doubt.Number, doubt.Shown); }
+
     void operator()(const Ended& ended) const { Component.Finish(Command, ended); }
 
 private:
@@ -241,11 +284,23 @@ Worker::Listener TransferComponent::ListenerOf(quint64 command)
         std::vector<Told> told;
         told.reserve(news.size());
         for (Worker::News& one : news) told.push_back(std::visit(Decoder{}, std::move(one)));
-        const auto tell = [this, command, told = std::move(told)] {
-            for (const Told& one : told) std::visit(Teller(*this, command), one);
+        const auto take = [this, command, told = std::move(told)] {
+            for (const Told& one : told)
+                Untold.push_back([this, command, one] { std::visit(Teller(*this, command), one); });
+            TellNext();
         };
-        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
     };
+}
+
+// One at a time: a listener may wait for the end of the command, in an event loop of its own, or end this object.
+void TransferComponent::TellNext()
+{
+    if (Untold.empty()) return;
+    const std::function<void()> tell = std::move(Untold.front());
+    Untold.pop_front();
+    if (!Untold.empty()) QMetaObject::invokeMethod(this, &TransferComponent::TellNext, Qt::QueuedConnection);
+    tell();
 }
 
 void TransferComponent::FailSoon(int code, const QString& sentence)
@@ -264,6 +319,16 @@ void TransferComponent::Report(quint64 command, int state)
 void TransferComponent::Show(quint64 command, const Progress& progress)
 {
     if (Executing && command == Number) emit Progressed(progress);
+}
+
+// While the judge thinks, the command may be cancelled, or this object go away.
+void TransferComponent::Judge(quint64 command, unsigned question, const DoubtfulCertificate& certificate)
+{
+    if (!Executing || command != Number) return;
+    const QPointer<TransferComponent> self(this);
+    const CertificateJudge trusts = Trusts;
+    const bool accepted = trusts && trusts(certificate);
+    if (self) Thread->Answer(question, accepted);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)

@@ -3,6 +3,8 @@
 #include "inet/inet.h"
 #include "inet/worker.h"
 
+#include <deque>
+#include <functional>
 #include <memory>
 #include <variant>
 
@@ -34,27 +36,33 @@ public:
 
     int ResponseCode() const override;
     QString ResponseInfo() const override;
+    void SetCertificateJudge(CertificateJudge judge) override;
     void SetListingLineHelp(bool on) override;
     void SetMoreToCome(bool more) override;
 
 private:
     struct Properties;
     struct Ended;
+    struct Doubt;
     struct Decoder;
     class Teller;
-    using Told = std::variant<int, QString, Progress, Ended>;
+    using Told = std::variant<int, QString, Progress, Doubt, Ended>;
 
     quint64 Begin();
     Worker::Listener ListenerOf(quint64 command);
     void Report(quint64 command, int state);
     void Show(quint64 command, const Progress& progress);
+    void Judge(quint64 command, unsigned question, const DoubtfulCertificate& certificate);
     void Finish(quint64 command, const Ended& ended);
+    void TellNext();
     void FailSoon(int code, const QString& sentence);
 
     std::unique_ptr<Properties> Chosen;
     std::unique_ptr<Worker> Thread;  ///< begun with the first command
     quint64 Number = 0;              ///< of the command begun last; nothing of an older one is reported any more
     bool Executing = false;
+    std::deque<std::function<void()>> Untold;  ///< what the transfer thread has noted
+    CertificateJudge Trusts;
     WhenArrived Arrived;  ///< of the OpenURL that runs
     int Code = 0;
     QString Info;

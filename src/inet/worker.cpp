@@ -11,7 +11,10 @@ Worker::Worker()
     : Work(asio::make_work_guard(Context)), Network(Context.get_executor()), Time(Context.get_executor()),
       Session(Network, Time,
               {[this](int state) { Note(state); }, [this](std::string line) { Note(std::move(line)); },
-               [this](const Ftp::Progress& progress) { Note(progress); }}),
+               [this](const Ftp::Progress& progress) { Note(progress); },
+               [this](unsigned number, Ftp::Certificate shown) {
+                   Note(Question{number, std::move(shown)});
+               }}),
       Thread([this] { Run(); })
 {
 }
@@ -76,15 +79,21 @@ void Worker::Note(News news)
 {
     constexpr Ftp::Milliseconds Delay{5};
     Noted.push_back(std::move(news));
-    if (!NotedDue) NotedDue = Time.After(Delay, [this] {
-        NotedDue.reset();
-        HandOver();
-    });
+    if (!NotedDue)
+        NotedDue = Time.After(Delay, [this] {
+            NotedDue.reset();
+            HandOver();
+        });
 }
 
 void Worker::HandOver()
 {
     if (!Noted.empty()) Current(std::exchange(Noted, {}));
+}
+
+void Worker::Answer(unsigned question, bool accepted)
+{
+    asio::post(Context, [this, question, accepted] { Session.Answer(question, accepted); });
 }
 
 void Worker::Drop()

@@ -20,8 +20,15 @@
 /// back is called on the transfer thread, and must only hand over.
 class Worker {
 public:
-    /// One thing that a command tells: a state, a remark, how far a transfer has come, or, last, how it ended.
-    using News = std::variant<int, std::string, Ftp::Progress, Ftp::Outcome>;
+    /// Whether a certificate may be used; to be answered with Answer.
+    struct Question {
+        unsigned Number = 0;
+        Ftp::Certificate Shown;
+    };
+
+    /// One thing that a command tells: a state, a remark, how far a transfer has come, a question, or, last, how it
+    /// ended.
+    using News = std::variant<int, std::string, Ftp::Progress, Question, Ftp::Outcome>;
 
     /// Takes what one command tells, in order. News come a few at a time: waking the other thread for each of them
     /// would cost more than a small transfer.
@@ -37,6 +44,9 @@ public:
     void Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                  Listener listener);
     void Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener);
+
+    /// Answers the question of this number; nothing happens when nobody waits for it any more.
+    void Answer(unsigned question, bool accepted);
 
     /// Closes the session at once and in silence.
     void Drop();

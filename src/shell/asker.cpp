@@ -74,6 +74,7 @@ Answer MessageBoxAsker::Ask(const Question& question)
                     &Window);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::NonModal);
+    if (question.Careful) box.setDefaultButton(QMessageBox::No);
 
     QEventLoop loop;
     connect(&box, &QDialog::finished, &loop, &QEventLoop::quit);

@@ -67,6 +67,7 @@ public:
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
     bool MoreToCome = false;
+    CertificateJudge Judge;
 
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
@@ -90,6 +91,8 @@ public:
     int ResponseCode() const override { return Code; }
 
     QString ResponseInfo() const override { return Info; }
+
+    void SetCertificateJudge(CertificateJudge judge) override { Judge = std::move(judge); }
 
     void SetListingLineHelp(bool on) override { ListingLineHelp = on; }
 

@@ -189,6 +189,11 @@ void ControlConnection::SetListeners(std::function<void(const Reply&)> reply, st
     if (Line->Ended) Line->EndListener();
 }
 
+bool ControlConnection::HasUnasked() const
+{
+    return !Line->Replies.empty() || !Line->Parser.Untouched();
+}
+
 void ControlConnection::RemoveListeners()
 {
     Line->Listener = {};

@@ -63,6 +63,9 @@ public:
     /// The same, but a bad reply (4xx or 5xx) is thrown as Failure of the kind Refused.
     Task<Reply> Expect(std::string line);
 
+    /// Something has come that nobody asked for, be it part of a line.
+    bool HasUnasked() const;
+
     /// `reply` is called for each reply as it comes, those that have come already and were not heard included; `end`
     /// when no more can come.
     void SetListeners(std::function<void(const Reply&)> reply, std::function<void()> end);

@@ -42,7 +42,7 @@ void Intent::LookAround(Clock& clock)
     const std::unique_ptr<Clock::Alarm> rung = std::move(Alarm);
     const std::vector<Guard*> waiting = Waiting;
     for (Guard* one : waiting) {
-        if (one->HasExpired) continue;
+        if (one->HasExpired || one->Limit == Guard::Unlimited) continue;
         if (one->Deadline() <= clock.Now())
             one->Expire();
         else
@@ -55,8 +55,10 @@ Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds li
 {
     if (Why.Cancelled) throw Failure{Failure::Cancelled, CancelledError, "The command was cancelled."};
     Why.Waiting.push_back(this);
-    Why.WakeBy(Time, Deadline());
+    if (Limit != Unlimited) Why.WakeBy(Time, Deadline());
 }
+
+Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor) : Guard(intent, clock, waitedFor, Unlimited) {}
 
 Guard::~Guard()
 {

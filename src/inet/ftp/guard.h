@@ -56,6 +56,9 @@ private:
 class Guard {
 public:
     Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds limit);
+
+    /// Without a limit: for what only the user can bring to an end.
+    Guard(Intent& intent, Clock& clock, Abortable& waitedFor);
     ~Guard();
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
@@ -70,6 +73,8 @@ public:
 
 private:
     friend class Intent;
+
+    static constexpr Milliseconds Unlimited = Milliseconds::max();
 
     Milliseconds Deadline() const { return LastProgress + Limit; }
 

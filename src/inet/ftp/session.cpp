@@ -2,6 +2,8 @@
 
 #include "inet/ftp/data_address.h"
 
+#include <algorithm>
+#include <cctype>
 #include <exception>
 #include <utility>
 
@@ -33,6 +35,20 @@ bool IsBad(const Reply& reply)
 bool IsReachableByIpv4(const Endpoint& peer)
 {
     return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
+}
+
+constexpr const char* SecureOnlyHint =
+    "The server seems to want a secure connection: put ftpes:// before its address, or ftps:// for port 990.";
+
+/// Servers have no common way to say so; these are the words that they use.
+bool MeansSecureOnly(const Failure& failure)
+{
+    if (failure.Kind != Failure::Refused) return false;
+    std::string text = failure.Text;
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char byte) { return std::tolower(byte); });
+    for (const char* word : {"tls", "ssl", "encrypt", "cleartext"})
+        if (text.find(word) != std::string::npos) return true;
+    return false;
 }
 
 Failure AccountFailure(const Reply& reply)
@@ -76,7 +92,7 @@ std::string MoveLine(const std::string& name)
 }  // namespace
 
 Session::Session(Network& network, Clock& clock, Observer observer)
-    : Net(network), Time(clock), Tell(std::move(observer))
+    : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask)
 {
 }
 
@@ -120,6 +136,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     Why.Reset();
     if (failure) {
         co_await GetInStep();
+        if (Where.Safety == Protection::None && MeansSecureOnly(*failure)) Tell.Remark(SecureOnlyHint);
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
         outcome.Text = Without(Where.Password, std::move(failure->Text));
@@ -246,12 +263,31 @@ Task<> Session::Connect(std::vector<std::string> ahead)
     }
     Tell.State(HostResolved);
     Tell.State(Connecting);
-    std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
+    std::shared_ptr<Wire> wire = co_await Reach(endpoints);
     Tell.State(Connected);
-    Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
-    co_await LogIn(std::move(ahead));
+    bool loggedIn = co_await TryLogIn(std::move(wire), ahead);
+    while (!loggedIn) {
+        wire = co_await Reach(endpoints);
+        loggedIn = co_await TryLogIn(std::move(wire), ahead);
+    }
     co_await EnterFolders();
     Ready = true;
+}
+
+// A server may lose patience while the user looks at its certificate; then it is called once more.
+Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead)
+{
+    wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
+    Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
+    Can = {};
+    Type = 'A';
+    try {
+        co_await LogIn(std::move(ahead));
+    } catch (const Failure& failure) {
+        if (!Safe.HasAsked() || failure.Kind != Failure::Connection || Why.IsInterrupted()) throw;
+        co_return false;
+    }
+    co_return true;
 }
 
 // One address after the other; each has its share of the time that is left for all of them.
@@ -279,8 +315,10 @@ Task<> Session::LogIn(std::vector<std::string> ahead)
 {
     for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) ahead.insert(ahead.begin(), MoveLine(*move));
     if (!Where.Path.empty()) ahead.insert(ahead.begin(), "CWD " + Where.Path);
+    co_await Safe.BeforeGreeting(How.Limit);
     const Reply greeting = co_await Control->HearFinal();
     if (IsBad(greeting)) throw RefusalOf(greeting);
+    co_await Safe.AfterGreeting(*Control, How.Limit);
     std::string user = "USER " + (Where.User.empty() ? "anonymous" : Where.User);
     Reply reply = co_await Control->Say(std::move(user));
     if (reply.KindOf() == Reply::NeedMore && reply.Code != AccountWanted) {
@@ -292,6 +330,7 @@ Task<> Session::LogIn(std::vector<std::string> ahead)
     }
     if (reply.Code == AccountWanted) throw AccountFailure(reply);
     if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
+    co_await Safe.AfterLogIn(*Control);
 }
 
 // A connection that is made anew leads where the old one had been. When that is not possible any more the way is
@@ -343,9 +382,15 @@ std::vector<std::string> Session::LinesBefore(char type, const std::string& size
     return lines;
 }
 
+// Secure servers were seen to mind; what they cost in round trips the handshakes exceed by far.
+bool Session::MaySendAhead() const
+{
+    return Where.Safety == Protection::None && !OneAtATime && !Control->IsOdd();
+}
+
 Task<> Session::SendAhead(std::vector<std::string> lines)
 {
-    if (OneAtATime || Control->IsOdd() || lines.size() < 2) co_return;
+    if (!MaySendAhead() || lines.size() < 2) co_return;
     if (Control->IsAhead()) {
         if (!Control->IsOnlyAhead(lines.front())) co_return;
         lines.erase(lines.begin());
@@ -356,7 +401,7 @@ Task<> Session::SendAhead(std::vector<std::string> lines)
 // While this side gets ready for the next file the server makes its port.
 Task<> Session::AskForNextPort()
 {
-    if (!How.MoreToCome || OneAtATime || Control->IsOdd() || !Can.PassiveWorked) co_return;
+    if (!How.MoreToCome || !MaySendAhead() || !Can.PassiveWorked) co_return;
     try {
         std::vector<std::string> lines(1, PassiveLine());
         co_await Control->SendAhead(std::move(lines));

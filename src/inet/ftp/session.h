@@ -5,6 +5,7 @@
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
 #include "inet/ftp/progress.h"
+#include "inet/ftp/tls_session.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
 
@@ -25,6 +26,7 @@ struct Target {
     std::string User;      ///< empty: anonymous
     std::string Password;  ///< sent to this target and nowhere else
     std::string Path;      ///< entered after log-in; empty: where the server puts the user
+    Protection Safety = Protection::None;
     bool operator==(const Target&) const = default;
 };
 
@@ -55,6 +57,7 @@ struct Observer {
     std::function<void(int)> State;           ///< the numbers of Inet::State, 1 to 10
     std::function<void(std::string)> Remark;  ///< one line
     ProgressMeter::Listener Progress{};       ///< of a file that is received or sent
+    TlsSession::Asking Ask{};                 ///< about certificates; the answer comes by Session::Answer
 };
 
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
@@ -75,6 +78,9 @@ public:
 
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
+
+    /// The user's answer to the question of this number.
+    void Answer(unsigned number, bool accepted) { Safe.Answer(number, accepted); }
 
     /// Closes the connection at once and forgets the working folder.
     void Drop();
@@ -97,6 +103,7 @@ private:
     // Connecting
     Task<> Connect(std::vector<std::string> ahead);
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
+    Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead);
     Task<> LogIn(std::vector<std::string> ahead);
     Task<> EnterFolders();
     Task<> HangUp();
@@ -126,8 +133,10 @@ private:
     // Lines that can be sent before the ones ahead of them are answered
     std::vector<std::string> LinesBefore(const Operation& operation) const;
     std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
+    bool MaySendAhead() const;
     Task<> SendAhead(std::vector<std::string> lines);
     Task<> AskForNextPort();
+
     std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
 
     Task<std::string> Run(Operation operation);
@@ -140,13 +149,14 @@ private:
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;
     Task<Reply> ReceiveAs(std::string name, std::unique_ptr<Sink> sink);
     Task<Reply> Retrieve(std::string name, Sink& sink);
+    Task<> CheckCut(std::string name, const Transfer& transfer);
     Task<std::optional<std::uint64_t>> AskSize(std::string name);
     Task<> CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size);
     Task<> CheckSent(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();
 
-    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress}; }
+    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress, &Safe}; }
 
     // Listing lines given as names
     std::optional<std::string> NameInLine(const std::string& text) const;
@@ -162,10 +172,11 @@ private:
     Manner How;
     std::filesystem::path Folder;
 
+    TlsSession Safe;
     std::unique_ptr<ControlConnection> Control;
-    bool Ready = false;       ///< logged in, and in the working folder
-    bool Unfinished = false;  ///< a transfer is under way: its replies are still owed
-    bool OneAtATime = false;  ///< what was sent ahead to this server has done harm once
+    bool Ready = false;                 ///< logged in, and in the working folder
+    bool Unfinished = false;            ///< a transfer is under way: its replies are still owed
+    bool OneAtATime = false;            ///< what was sent ahead to this server has done harm once
     std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
     Capabilities Can;
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)

@@ -74,6 +74,12 @@ void CheckLocalName(const std::string& name)
                   "A file cannot have the name \"" + name + "\" on this computer, so it was not touched."};
 }
 
+Failure CutFailure()
+{
+    return {Failure::Protocol, SecureChannelError,
+            "The secure data connection was cut, and what has arrived may not be all of it."};
+}
+
 /// A file of the given name in a folder. The name is looked at only when the server has agreed to send: until then
 /// another one may be tried.
 class NamedFileSink final : public Sink {
@@ -122,6 +128,7 @@ Task<std::string> Session::List(std::string command)
     MemorySink sink(MaxListingBytes);
     const Reply end = co_await transfer.Receive(sink);
     Unfinished = false;
+    if (!IsBad(end) && transfer.WasCut()) throw CutFailure();
     if (!IsBad(end)) co_return std::move(sink.Bytes);
     if (!MeansEmptyFolder(end)) throw RefusalOf(end);
     co_return std::string();
@@ -190,6 +197,7 @@ Task<Reply> Session::Retrieve(std::string name, Sink& sink)
     {
         Transfer transfer(Means(), *Control, data, size);
         end = co_await transfer.Receive(sink);
+        if (!IsBad(end) && transfer.WasCut() && size != transfer.Bytes()) co_await CheckCut(name, transfer);
         if (!IsBad(end)) co_await CheckReceived(std::move(name), transfer, size);
     }
     Unfinished = false;
@@ -245,6 +253,14 @@ Task<> Session::CheckSent(std::string name, const Transfer& transfer)
     throw Failure{Failure::Protocol, ResponseError,
                   "The server has stored only " + std::to_string(*size) + " of " + std::to_string(transfer.Bytes()) +
                       " bytes."};
+}
+
+// The secure connection ended without saying so: a careless server, or somebody who wants the file to be shorter.
+Task<> Session::CheckCut(std::string name, const Transfer& transfer)
+{
+    std::string command = "SIZE " + name;
+    const Reply reply = co_await Control->Say(std::move(command));
+    if (IsBad(reply) || SizeFigure(reply) != transfer.Bytes()) throw CutFailure();
 }
 
 Task<std::string> Session::Do(Ftp::Send operation)

@@ -14,6 +14,7 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;
+constexpr Milliseconds LingerLimit = std::chrono::seconds(2);
 
 /// Lets the other tasks of the thread have their turn.
 Task<> Breathe(asio::any_io_executor executor)
@@ -45,7 +46,7 @@ private:
 
 Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data,
                    std::optional<std::uint64_t> expected)
-    : Use(means), Control(control), Data(std::move(data)), Meter(means.Time, means.Tell, expected)
+    : Use(means), Control(control), Data(means.Safe->WrapData(std::move(data))), Meter(means.Time, means.Tell, expected)
 {
     Control.SetListeners([this](const Reply& reply) { Note(reply); }, [this] { NoteEnd(); });
 }
@@ -68,6 +69,7 @@ void Transfer::Note(const Reply& reply)
     Final = reply;
     Refused = reply.KindOf() >= Reply::TryLater;
     if (Refused) Data->Abort();
+    if (Lingering) EndLingerSoon();
 }
 
 // Without a word from the server and without a byte of data there is nothing to wait for any more.
@@ -182,7 +184,27 @@ Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
         co_await PourByPump(file, path);
     else
         co_await PourByBuffer(file, path);
+    co_await Linger();
+}
+
+// Everything is sent; the end must arrive, too. From then on a lost connection changes nothing: the reply decides.
+Task<> Transfer::Linger()
+{
+    const Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     co_await Data->SendEnd();
+    Lingering = true;
+    if (Final.Code != 0) EndLingerSoon();
+    try {
+        co_await Data->AwaitEnd();
+    } catch (const Failure&) {
+        if (Use.Why.IsInterrupted()) throw;
+    }
+    Lingering = false;
+}
+
+void Transfer::EndLingerSoon()
+{
+    LingerEnds = Use.Time.After(LingerLimit, [this] { Data->Abort(); });
 }
 
 Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)

@@ -3,6 +3,7 @@
 #include "inet/ftp/control_connection.h"
 #include "inet/ftp/data_ends.h"
 #include "inet/ftp/progress.h"
+#include "inet/ftp/tls_session.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -18,6 +19,7 @@ struct TransferMeans {
     Clock& Time;
     Milliseconds Limit;
     const ProgressMeter::Listener& Tell;
+    TlsSession* Safe;  ///< protects the data connection
 };
 
 /// One transfer: the data connection and the replies that go with it (RFC 959, 3.2 and 5.4). It succeeds only when
@@ -41,11 +43,17 @@ public:
 
     std::uint64_t Bytes() const { return Meter.Done(); }
 
+    /// What was received ended in a way that anybody could have brought about: it is whole only where its size is
+    /// known and right.
+    bool WasCut() const { return !Data->EndedProperly(); }
+
     /// The first preliminary reply, which may announce the size; Code 0 when there was none.
     const Reply& Opening() const { return First; }
 
 private:
     Task<> WaitForConsent();
+    Task<> Linger();
+    void EndLingerSoon();
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
@@ -61,10 +69,12 @@ private:
     ControlConnection& Control;
     std::shared_ptr<Wire> Data;
     Reply First;
-    Reply Final;           ///< Code 0 until it has come
-    bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
-    bool Begun = false;    ///< data has begun to come
-    Guard* Watch = nullptr;  ///< of the data that is waited for now
+    Reply Final;                               ///< Code 0 until it has come
+    bool Refused = false;                      ///< the server has ended the transfer with a 4xx or 5xx
+    bool Begun = false;                        ///< data has begun to come
+    bool Lingering = false;                    ///< everything is sent, the server's end is still to come
+    std::unique_ptr<Clock::Alarm> LingerEnds;  ///< for a server that never ends what it has confirmed
+    Guard* Watch = nullptr;                    ///< of the data that is waited for now
     ProgressMeter Meter;
 };
 
