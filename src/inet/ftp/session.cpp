@@ -1,6 +1,7 @@
 #include "inet/ftp/session.h"
 
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/secret.h"
 
 #include <exception>
 #include <utility>
@@ -39,33 +40,6 @@ Failure AccountFailure(const Reply& reply)
 {
     return {Failure::Refused, reply.Code,
             "The server wants an account name, which Tolvane cannot give: " + reply.Text()};
-}
-
-bool IsWordByte(char byte)
-{
-    const auto value = static_cast<unsigned char>(byte);
-    return value >= 0x80 || (value >= '0' && value <= '9') || (value >= 'A' && value <= 'Z') ||
-           (value >= 'a' && value <= 'z');
-}
-
-/// The text with the secret made unreadable. One of a few letters counts only where it stands as a word of its own:
-/// anything else would spoil every text that happens to hold them.
-std::string Without(const std::string& secret, std::string text)
-{
-    constexpr std::size_t AnywhereFrom = 4;
-    if (secret.empty()) return text;
-    const std::string mask = "****";
-    for (std::size_t at = text.find(secret); at != std::string::npos; at = text.find(secret, at)) {
-        const std::size_t end = at + secret.size();
-        const bool inside = (at > 0 && IsWordByte(text[at - 1])) || (end < text.size() && IsWordByte(text[end]));
-        if (inside && secret.size() < AnywhereFrom) {
-            ++at;
-            continue;
-        }
-        text.replace(at, secret.size(), mask);
-        at += mask.size();
-    }
-    return text;
 }
 
 }  // namespace
