@@ -4,6 +4,8 @@
 #include "base/run_time_error.h"
 #include "inet/ftp/address.h"
 #include "inet/ftp/failure.h"
+#include "inet/ftp/local_name.h"
+#include "inet/http_address.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,7 +21,9 @@ struct TransferComponent::Properties {
     int Protocol = DefaultProtocol;
     ::Ftp::Manner Manner;
 
+    QString HttpSchemeOf(const QString& url) const;
     ::Ftp::Target TargetOf(const QString& url) const;
+    HttpRequest HttpRequestOf(const QString& url, const QString& scheme) const;
 };
 
 /// How a command ended, with its texts decoded on the transfer thread already.
@@ -27,13 +31,14 @@ struct TransferComponent::Ended {
     bool Good = false;
     int Code = 0;
     QString Info;
-    QString Reply;
-    QByteArray Bytes;
+    QString Reply;     ///< of a command that answers with text
+    QByteArray Bytes;  ///< of a download
 };
 
 namespace {
 
 constexpr int FtpPort = 21;
+constexpr int HttpPort = 80;
 
 std::string BytesOf(const QString& text)
 {
@@ -67,6 +72,18 @@ std::filesystem::path CurrentFolder()
 
 }  // namespace
 
+// The protocol that was chosen decides, and the address's scheme where it leaves the choice. Empty: not HTTP.
+QString TransferComponent::Properties::HttpSchemeOf(const QString& url) const
+{
+    const QString scheme = SchemeOf(url);
+    const bool isHttp = scheme == u"http" || scheme == u"https";
+    if (Protocol == DefaultProtocol) return isHttp ? scheme : QString();
+    if (Protocol == Inet::Ftp) return {};
+    if (!isHttp && !scheme.isEmpty())
+        throw Impossible{::Ftp::SchemeError, "The address is not one of HTTP, which is the protocol chosen."};
+    return Protocol == SecureHttp || scheme == u"https" ? QString("https") : QString("http");
+}
+
 // What the address holds counts where the property of the same meaning says nothing. An address may hold a password,
 // so no sentence repeats it.
 Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
@@ -76,8 +93,7 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
     const std::optional<::Ftp::Address> address = ::Ftp::ParseAddress(BytesOf(url.trimmed()));
     if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
     const bool isFtp = address->Scheme == "ftp" || address->Scheme.empty();
-    if (!isFtp || Protocol == Http || Protocol == SecureHttp)
-        throw Impossible{::Ftp::SchemeError, "Only FTP addresses can be used."};
+    if (!isFtp) throw Impossible{::Ftp::SchemeError, "Addresses of this kind cannot be used here; ftp:// ones can."};
     ::Ftp::Target target;
     target.Host = address->Host;
     const bool addressDecides = RemotePort == 0 || RemotePort == FtpPort;
@@ -91,6 +107,24 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
     }
     target.Path = address->Path;
     return target;
+}
+
+// The same rules; 80 in the port box, left over from plain HTTP, leaves the choice to a secure address.
+HttpRequest TransferComponent::Properties::HttpRequestOf(const QString& url, const QString& scheme) const
+{
+    std::optional<QUrl> address = HttpUrl(url, scheme);
+    if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
+    const bool addressDecides =
+        RemotePort == 0 || RemotePort == FtpPort || (scheme == u"https" && RemotePort == HttpPort);
+    if (!addressDecides) address->setPort(RemotePort);
+    HttpRequest request;
+    const bool userIsInAddress = UserName.isEmpty() && !address->userName().isEmpty();
+    request.User = userIsInAddress ? address->userName(QUrl::FullyDecoded) : UserName;
+    request.Password = userIsInAddress ? address->password(QUrl::FullyDecoded) : Password;
+    address->setUserInfo(QString());
+    request.Url = *address;
+    request.Limit = Manner.Limit;
+    return request;
 }
 
 TransferComponent::TransferComponent(QObject* parent) : Inet(parent), Chosen(std::make_unique<Properties>()) {}
@@ -165,11 +199,64 @@ void TransferComponent::Execute(const QString& url, const QString& operation, co
     }
     const quint64 command = Begin();
     try {
-        ::Ftp::Operation parsed = OperationOf(operation);
-        Thread->Perform(Chosen->TargetOf(url), Chosen->Manner, std::move(parsed), CurrentFolder(), ListenerOf(command));
+        StartOperation(url, operation, command);
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
+    } catch (const ::Ftp::Failure& failure) {
+        FailSoon(failure.Code, BytesToText(ArrayOf(failure.Text)));
     }
+}
+
+void TransferComponent::StartOperation(const QString& url, const QString& operation, quint64 command)
+{
+    const QString http = Chosen->HttpSchemeOf(url);
+    if (!http.isEmpty()) {
+        StartHttpOperation(Chosen->HttpRequestOf(url, http), operation, command);
+        return;
+    }
+    ::Ftp::Operation parsed = OperationOf(operation);
+    ::Ftp::Target target = Chosen->TargetOf(url);
+    FtpThread().Perform(std::move(target), Chosen->Manner, std::move(parsed), CurrentFolder(), ListenerOf(command));
+}
+
+// HTTP knows files and no session: GET alone fetches what the address names, GET with a name a file beside it.
+void TransferComponent::StartHttpOperation(HttpRequest request, const QString& operation, quint64 command)
+{
+    if (operation.trimmed().compare(u"GET", Qt::CaseInsensitive) == 0) {
+        StartFetch(request, command);
+        return;
+    }
+    const ::Ftp::Operation parsed = OperationOf(operation);
+    if (std::holds_alternative<::Ftp::Close>(parsed)) {
+        CloseHttp(command);
+        return;
+    }
+    const auto* receive = std::get_if<::Ftp::Receive>(&parsed);
+    if (!receive)
+        throw Impossible{::Ftp::OperationError, "By HTTP files can only be received; for everything else use FTP."};
+    if (!receive->LocalGiven) ::Ftp::CheckLocalName(receive->Remote);
+    request.Url = HttpUrlOfName(request.Url, BytesToText(ArrayOf(receive->Remote)));
+    request.File = CurrentFolder() / receive->Local;
+    StartFetch(request, command);
+}
+
+void TransferComponent::StartFetch(const HttpRequest& request, quint64 command)
+{
+    if (Thread) Thread->Drop();
+    if (!Web) Web = std::make_unique<HttpWorker>();
+    OverHttp = true;
+    Web->Fetch(request, ListenerOf(command));
+}
+
+void TransferComponent::CloseHttp(quint64 command)
+{
+    if (Thread) Thread->Drop();
+    const auto close = [this, command] {
+        Report(command, Disconnecting);
+        Report(command, Disconnected);
+        Finish(command, Ended{true, 0, {}, {}, {}});
+    };
+    QMetaObject::invokeMethod(this, close, Qt::QueuedConnection);
 }
 
 void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived whenArrived)
@@ -180,7 +267,17 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
     std::filesystem::path file = std::exchange(NextReplyFile, {});
     if (!file.empty()) Stored = std::make_unique<ReplyFile>(file);
     try {
-        Thread->Fetch(Chosen->TargetOf(address), Chosen->Manner, std::move(file), ListenerOf(command));
+        Properties chosen = *Chosen;
+        if (!SchemeOf(address).isEmpty()) chosen.Protocol = DefaultProtocol;
+        const QString http = chosen.HttpSchemeOf(address);
+        if (http.isEmpty()) {
+            ::Ftp::Target target = chosen.TargetOf(address);
+            FtpThread().Fetch(std::move(target), chosen.Manner, std::move(file), ListenerOf(command));
+        } else {
+            HttpRequest request = chosen.HttpRequestOf(address, http);
+            request.File = std::move(file);
+            StartFetch(request, command);
+        }
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
     }
@@ -188,17 +285,23 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
 
 quint64 TransferComponent::Begin()
 {
-    if (!Thread) Thread = std::make_unique<Worker>();
     Executing = true;
+    OverHttp = false;
     ForgetReply();
     return ++Number;
+}
+
+Worker& TransferComponent::FtpThread()
+{
+    if (!Thread) Thread = std::make_unique<Worker>();
+    return *Thread;
 }
 
 void TransferComponent::ForgetReply()
 {
     Reply.clear();
     ReplyTaken = 0;
-    InBytes = false;
+    Bytes.clear();
     Stored.reset();
 }
 
@@ -211,9 +314,12 @@ Worker::Listener TransferComponent::ListenerOf(quint64 command)
         [this, hand](const std::string& line) {
             hand([this, text = BytesToText(ArrayOf(line))] { emit Remarked(text); });
         },
-        [this, hand, command](const ::Ftp::Outcome& outcome) {
-            Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply)};
-            ended.Reply = BytesToText(ended.Bytes);
+        [this, hand, command, isText = !OverHttp && !Arrived](const ::Ftp::Outcome& outcome) {
+            Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, {}};
+            if (isText)
+                ended.Reply = BytesToText(ArrayOf(outcome.Reply));
+            else
+                ended.Bytes = ArrayOf(outcome.Reply);
             hand([this, command, ended = std::move(ended)] { Finish(command, ended); });
         },
     };
@@ -238,6 +344,7 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
     Code = ended.Code;
     Info = ended.Info;
     Reply = ended.Reply;
+    Bytes = ended.Bytes;
     const WhenArrived arrived = std::exchange(Arrived, {});
     if (!ended.Good) Stored.reset();
     const qint64 size = Stored ? Stored->Size() : ended.Bytes.size();
@@ -250,11 +357,16 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
 QString TransferComponent::GetChunk(int size, DataType type)
 {
     if (Stored) return QString::fromLatin1(Stored->Next(size));
-    if (type == ByteArray && !InBytes) {
-        Reply = QString::fromLatin1(TextToBytes(Reply.mid(ReplyTaken)));
-        ReplyTaken = 0;
-        InBytes = true;
+    if (type == ByteArray) {
+        // Text that is asked for as bytes goes on as bytes, and the other way round.
+        if (!Reply.isEmpty()) Bytes = TextToBytes(Reply.mid(std::exchange(ReplyTaken, 0)));
+        Reply.clear();
+        const QByteArray piece = Bytes.mid(ReplyTaken, size);
+        ReplyTaken += piece.size();
+        return QString::fromLatin1(piece);
     }
+    if (!Bytes.isEmpty()) Reply = BytesToText(Bytes.mid(std::exchange(ReplyTaken, 0)));
+    Bytes.clear();
     const QString chunk = Reply.mid(ReplyTaken, size);
     ReplyTaken += chunk.size();
     return chunk;
@@ -268,7 +380,7 @@ bool TransferComponent::StillExecuting() const
 void TransferComponent::Cancel()
 {
     if (!Executing) return;
-    const bool wasOpen = Thread->Cancel();
+    const bool wasOpen = OverHttp ? Web->Cancel() : Thread && Thread->Cancel();
     const quint64 command = Number;
     Code = ::Ftp::CancelledError;
     Info = "The command was cancelled.";
