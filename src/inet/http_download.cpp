@@ -100,7 +100,7 @@ HttpDownload::HttpDownload(HttpRequest request, std::function<void(int)> state, 
 
 HttpDownload::~HttpDownload()
 {
-    DropReply();
+    Silence();
 }
 
 void HttpDownload::Begin()
@@ -298,14 +298,21 @@ void HttpDownload::FailByError()
 
 void HttpDownload::End(Ftp::Outcome outcome)
 {
-    if (std::exchange(HasEnded, true)) return;
+    if (HasEnded) return;
+    Silence();
+    outcome.Text = Ftp::Without(Wanted.Password.toStdString(), std::move(outcome.Text));
+    outcome.Text = Ftp::Without(Wanted.Via.Password, std::move(outcome.Text));
+    Ended(std::move(outcome));
+}
+
+void HttpDownload::Silence()
+{
+    HasEnded = true;
     Clock.stop();
     Inquiry.reset();
     DropReply();
     Target.reset();
-    outcome.Text = Ftp::Without(Wanted.Password.toStdString(), std::move(outcome.Text));
-    outcome.Text = Ftp::Without(Wanted.Via.Password, std::move(outcome.Text));
-    Ended(std::move(outcome));
+    Memory = nullptr;
 }
 
 void HttpDownload::DropReply()

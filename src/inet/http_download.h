@@ -38,6 +38,9 @@ public:
     /// Ends it now with CancelledError, unless it has ended.
     void Cancel();
 
+    /// Ends it now and tells nobody.
+    void Silence();
+
     bool HasConnected() const { return Told >= 4; }
 
 private:

@@ -3,11 +3,8 @@
 #include "inet/http_download.h"
 #include "inet/worker.h"
 
-#include <QObject>
 #include <QThread>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 
 /// The thread of the downloads by HTTP, so that neither a slow disk nor a look-up of the system's proxy holds up the
 /// caller. Its members are called from one other thread; what it calls back is called on its own, and must only hand
@@ -15,7 +12,8 @@
 class HttpWorker {
 public:
     HttpWorker();
-    /// Ends what runs and joins the thread, within a fraction of a second.
+    /// Ends what runs, within a fraction of a second. A thread that the library keeps busy for longer, for a server
+    /// that never stops sending its header, is left behind.
     ~HttpWorker();
     HttpWorker(const HttpWorker&) = delete;
     HttpWorker& operator=(const HttpWorker&) = delete;
@@ -28,13 +26,8 @@ public:
     bool Cancel();
 
 private:
-    void Start(const HttpRequest& request, const Worker::Listener& listener);
+    struct Shared;
 
-    QThread Thread;
-    QObject Place;                           ///< lives on the thread
-    std::unique_ptr<HttpDownload> Download;  ///< on the thread only
-
-    std::mutex Lock;
-    std::condition_variable Changed;
-    bool Busy = false;  ///< under Lock
+    std::shared_ptr<Shared> Place;
+    std::unique_ptr<QThread> Thread;
 };

@@ -9,6 +9,8 @@ struct HttpCertificate {
     QSslCertificate Certificate;
     QSslKey Key;
 
-    /// For a host, a name or a number, from `firstDay` to `lastDay` counted from today.
-    static HttpCertificate For(const QString& host, int firstDay = -1, int lastDay = 30);
+    /// For a host, a name or a number, from `firstDay` to `lastDay` counted from today; signed by an authority, or by
+    /// itself.
+    static HttpCertificate For(const QString& host, int firstDay = -1, int lastDay = 30,
+                               const HttpCertificate* authority = nullptr);
 };

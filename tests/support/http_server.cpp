@@ -132,9 +132,12 @@ void HttpServer::Finish(QTcpSocket* socket)
         return;
     case Answer::Reset:
         if (socket->bytesToWrite() > 0) return;
-        const linger hard{1, 0};
-        ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
-        socket->abort();
+        // Not from within the socket's own doings.
+        QTimer::singleShot(0, socket, [socket] {
+            const linger hard{1, 0};
+            ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+            socket->abort();
+        });
         return;
     }
 }
