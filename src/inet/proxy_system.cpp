@@ -1,13 +1,16 @@
 #include "inet/proxy_system.h"
 
+#include <QHostAddress>
 #include <QNetworkProxy>
 #include <QUrl>
 
 Ftp::Proxy SystemProxy(const std::string& scheme, const std::string& host, std::uint16_t port)
 {
+    const QString name = QString::fromStdString(host);
+    if (name == u"localhost" || QHostAddress(name).isLoopback()) return {};
     QUrl url;
     url.setScheme(QString::fromStdString(scheme));
-    url.setHost(QString::fromStdString(host));
+    url.setHost(name);
     url.setPort(port);
     const QList<QNetworkProxy> proxies = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url));
     for (const QNetworkProxy& one : proxies) {

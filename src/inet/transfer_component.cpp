@@ -21,6 +21,7 @@ struct TransferComponent::Properties {
     int Protocol = DefaultProtocol;
     ::Ftp::Manner Manner;
 
+    ::Ftp::Proxy Road() const;
     QString HttpSchemeOf(const QString& url) const;
     ::Ftp::Target TargetOf(const QString& url) const;
     HttpRequest HttpRequestOf(const QString& url, const QString& scheme) const;
@@ -72,6 +73,16 @@ std::filesystem::path CurrentFolder()
 
 }  // namespace
 
+::Ftp::Proxy TransferComponent::Properties::Road() const
+{
+    if (AccessType != NamedProxy)
+        return {AccessType == Direct ? ::Ftp::Proxy::None : ::Ftp::Proxy::System, {}, 0, {}, {}};
+    std::optional<::Ftp::Proxy> proxy = ::Ftp::ParseProxy(BytesOf(Proxy.trimmed()));
+    if (!proxy)
+        throw Impossible{::Ftp::ConnectError, "The proxy's address is not understood; it is written as host:port."};
+    return std::move(*proxy);
+}
+
 // The protocol that was chosen decides, and the address's scheme where it leaves the choice. Empty: not HTTP.
 QString TransferComponent::Properties::HttpSchemeOf(const QString& url) const
 {
@@ -88,8 +99,6 @@ QString TransferComponent::Properties::HttpSchemeOf(const QString& url) const
 // so no sentence repeats it.
 Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
 {
-    if (AccessType == NamedProxy)
-        throw Impossible{::Ftp::ConnectError, "Connections through a proxy are not possible yet."};
     const std::optional<::Ftp::Address> address = ::Ftp::ParseAddress(BytesOf(url.trimmed()));
     if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
     const bool isFtp = address->Scheme == "ftp" || address->Scheme.empty();
@@ -106,6 +115,7 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
         if (!address->Password.empty()) target.Password = address->Password;
     }
     target.Path = address->Path;
+    target.Via = Road();
     return target;
 }
 
@@ -124,6 +134,7 @@ HttpRequest TransferComponent::Properties::HttpRequestOf(const QString& url, con
     address->setUserInfo(QString());
     request.Url = *address;
     request.Limit = Manner.Limit;
+    request.Via = Road();
     return request;
 }
 

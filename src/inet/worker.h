@@ -3,6 +3,7 @@
 #include "inet/ftp/asio_clock.h"
 #include "inet/ftp/session.h"
 #include "inet/ftp/socket_network.h"
+#include "inet/ftp/tunnel_network.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -43,13 +44,14 @@ public:
     bool Cancel();
 
 private:
-    void Start(Ftp::Task<Ftp::Outcome> command, Listener listener);
+    void Start(Ftp::Task<Ftp::Outcome> command, Ftp::Proxy via, Listener listener);
     Ftp::Task<> Carry(Ftp::Task<Ftp::Outcome> command);
     void Run();
 
     asio::io_context Context;
     asio::executor_work_guard<asio::io_context::executor_type> Work;
-    Ftp::SocketNetwork Network;
+    Ftp::SocketNetwork Sockets;
+    Ftp::TunnelNetwork Network;
     Ftp::AsioClock Time;
     Listener Current;  ///< transfer thread only
     Ftp::Session Session;

@@ -4,6 +4,7 @@
 #include "inet/ftp/data_ends.h"
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
+#include "inet/ftp/proxy_address.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
 
@@ -24,6 +25,7 @@ struct Target {
     std::string User;      ///< empty: anonymous
     std::string Password;  ///< sent to this target and nowhere else
     std::string Path;      ///< entered after log-in; empty: where the server puts the user
+    Proxy Via = {};        ///< the network's business, but another road means another session
     bool operator==(const Target&) const = default;
 };
 
