@@ -4,6 +4,8 @@
 #include "base/run_time_error.h"
 #include "inet/ftp/address.h"
 #include "inet/ftp/failure.h"
+#include "inet/ftp/local_name.h"
+#include "inet/http_address.h"
 
 #include <QPointer>
 #include <algorithm>
@@ -22,7 +24,10 @@ struct TransferComponent::Properties {
     int Protocol = DefaultProtocol;
     ::Ftp::Manner Manner;
 
+    ::Ftp::Proxy Road() const;
+    QString HttpSchemeOf(const QString& url) const;
     ::Ftp::Target TargetOf(const QString& url) const;
+    HttpRequest HttpRequestOf(const QString& url, const QString& scheme) const;
 };
 
 /// How a command ended, with its texts decoded on the transfer thread already.
@@ -30,8 +35,8 @@ struct TransferComponent::Ended {
     bool Good = false;
     int Code = 0;
     QString Info;
-    QString Reply;
-    QByteArray Bytes;
+    QString Reply;     ///< of a command that answers with text
+    QByteArray Bytes;  ///< of a download
     std::optional<Confirmation> Transferred;
 };
 
@@ -50,6 +55,7 @@ const std::map<std::string, ::Ftp::Protection> Protections = {{"", ::Ftp::Protec
                                                               {"ftp", ::Ftp::Protection::None},
                                                               {"ftpes", ::Ftp::Protection::Upgraded},
                                                               {"ftps", ::Ftp::Protection::FromStart}};
+constexpr int HttpPort = 80;
 
 std::string BytesOf(const QString& text)
 {
@@ -96,17 +102,37 @@ std::filesystem::path CurrentFolder()
 
 }  // namespace
 
+::Ftp::Proxy TransferComponent::Properties::Road() const
+{
+    if (AccessType != NamedProxy)
+        return {AccessType == Direct ? ::Ftp::Proxy::None : ::Ftp::Proxy::System, {}, 0, {}, {}};
+    std::optional<::Ftp::Proxy> proxy = ::Ftp::ParseProxy(BytesOf(Proxy.trimmed()));
+    if (!proxy)
+        throw Impossible{::Ftp::ConnectError, "The proxy's address is not understood; it is written as host:port."};
+    return std::move(*proxy);
+}
+
+// The protocol that was chosen decides, and the address's scheme where it leaves the choice. Empty: not HTTP.
+QString TransferComponent::Properties::HttpSchemeOf(const QString& url) const
+{
+    const QString scheme = SchemeOf(url);
+    const bool isHttp = scheme == u"http" || scheme == u"https";
+    if (Protocol == DefaultProtocol) return isHttp ? scheme : QString();
+    if (Protocol == Inet::Ftp) return {};
+    if (!isHttp && !scheme.isEmpty())
+        throw Impossible{::Ftp::SchemeError, "The address is not one of HTTP, which is the protocol chosen."};
+    return Protocol == SecureHttp || scheme == u"https" ? QString("https") : QString("http");
+}
+
 // What the address holds counts where the property of the same meaning says nothing. An address may hold a password,
 // so no sentence repeats it.
 Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
 {
-    if (AccessType == NamedProxy)
-        throw Impossible{::Ftp::ConnectError, "Connections through a proxy are not possible yet."};
     const std::optional<::Ftp::Address> address = ::Ftp::ParseAddress(BytesOf(url.trimmed()));
     if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
     const auto protection = Protections.find(address->Scheme);
-    if (protection == Protections.end() || Protocol == Http || Protocol == SecureHttp)
-        throw Impossible{::Ftp::SchemeError, "Only FTP addresses can be used."};
+    if (protection == Protections.end())
+        throw Impossible{::Ftp::SchemeError, "Addresses of this kind cannot be used here; ftp:// ones can."};
     ::Ftp::Target target;
     target.Safety = protection->second;
     target.Host = address->Host;
@@ -121,7 +147,27 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
         if (!address->Password.empty()) target.Password = address->Password;
     }
     target.Path = address->Path;
+    target.Via = Road();
     return target;
+}
+
+// The same rules; 80 in the port box, left over from plain HTTP, leaves the choice to a secure address.
+HttpRequest TransferComponent::Properties::HttpRequestOf(const QString& url, const QString& scheme) const
+{
+    std::optional<QUrl> address = HttpUrl(url, scheme);
+    if (!address) throw Impossible{::Ftp::AddressError, "The address is not understood."};
+    const bool addressDecides =
+        RemotePort == 0 || RemotePort == FtpPort || (scheme == u"https" && RemotePort == HttpPort);
+    if (!addressDecides) address->setPort(RemotePort);
+    HttpRequest request;
+    const bool userIsInAddress = UserName.isEmpty() && !address->userName().isEmpty();
+    request.User = userIsInAddress ? address->userName(QUrl::FullyDecoded) : UserName;
+    request.Password = userIsInAddress ? address->password(QUrl::FullyDecoded) : Password;
+    address->setUserInfo(QString());
+    request.Url = *address;
+    request.Limit = Manner.Limit;
+    request.Via = Road();
+    return request;
 }
 
 TransferComponent::TransferComponent(QObject* parent) : Inet(parent), Chosen(std::make_unique<Properties>()) {}
@@ -192,6 +238,11 @@ void TransferComponent::SetMoreToCome(bool more)
     Chosen->Manner.MoreToCome = more;
 }
 
+void TransferComponent::SetReplyFile(const QString& path)
+{
+    NextReplyFile = path.isEmpty() ? std::filesystem::path() : std::filesystem::absolute(FilePath(path));
+}
+
 void TransferComponent::Execute(const QString& url, const QString& operation, const QString&)
 {
     if (Executing) throw RuntimeError("Still executing last request");
@@ -201,11 +252,64 @@ void TransferComponent::Execute(const QString& url, const QString& operation, co
     }
     const quint64 command = Begin();
     try {
-        ::Ftp::Operation parsed = OperationOf(operation);
-        Thread->Perform(Chosen->TargetOf(url), Chosen->Manner, std::move(parsed), CurrentFolder(), ListenerOf(command));
+        StartOperation(url, operation, command);
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
+    } catch (const ::Ftp::Failure& failure) {
+        FailSoon(failure.Code, BytesToText(ArrayOf(failure.Text)));
     }
+}
+
+void TransferComponent::StartOperation(const QString& url, const QString& operation, quint64 command)
+{
+    const QString http = Chosen->HttpSchemeOf(url);
+    if (!http.isEmpty()) {
+        StartHttpOperation(Chosen->HttpRequestOf(url, http), operation, command);
+        return;
+    }
+    ::Ftp::Operation parsed = OperationOf(operation);
+    ::Ftp::Target target = Chosen->TargetOf(url);
+    FtpThread().Perform(std::move(target), Chosen->Manner, std::move(parsed), CurrentFolder(), ListenerOf(command));
+}
+
+// HTTP knows files and no session: GET alone fetches what the address names, GET with a name a file beside it.
+void TransferComponent::StartHttpOperation(HttpRequest request, const QString& operation, quint64 command)
+{
+    if (operation.trimmed().compare(u"GET", Qt::CaseInsensitive) == 0) {
+        StartFetch(request, command);
+        return;
+    }
+    const ::Ftp::Operation parsed = OperationOf(operation);
+    if (std::holds_alternative<::Ftp::Close>(parsed)) {
+        CloseHttp(command);
+        return;
+    }
+    const auto* receive = std::get_if<::Ftp::Receive>(&parsed);
+    if (!receive)
+        throw Impossible{::Ftp::OperationError, "By HTTP files can only be received; for everything else use FTP."};
+    if (!receive->LocalGiven) ::Ftp::CheckLocalName(receive->Remote);
+    request.Url = HttpUrlOfName(request.Url, BytesToText(ArrayOf(receive->Remote)));
+    request.File = CurrentFolder() / receive->Local;
+    StartFetch(request, command);
+}
+
+void TransferComponent::StartFetch(const HttpRequest& request, quint64 command)
+{
+    if (Thread) Thread->Drop();
+    if (!Web) Web = std::make_unique<HttpWorker>();
+    OverHttp = true;
+    Web->Fetch(request, ListenerOf(command));
+}
+
+void TransferComponent::CloseHttp(quint64 command)
+{
+    if (Thread) Thread->Drop();
+    const auto close = [this, command] {
+        Report(command, Disconnecting);
+        Report(command, Disconnected);
+        Finish(command, Ended{true, 0, {}, {}, {}});
+    };
+    QMetaObject::invokeMethod(this, close, Qt::QueuedConnection);
 }
 
 void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived whenArrived)
@@ -213,8 +317,20 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
     if (Executing) throw RuntimeError("Still executing last request");
     const quint64 command = Begin();
     Arrived = std::move(whenArrived);
+    std::filesystem::path file = std::exchange(NextReplyFile, {});
+    if (!file.empty()) Stored = std::make_unique<ReplyFile>(file);
     try {
-        Thread->Fetch(Chosen->TargetOf(address), Chosen->Manner, ListenerOf(command));
+        Properties chosen = *Chosen;
+        if (!SchemeOf(address).isEmpty()) chosen.Protocol = DefaultProtocol;
+        const QString http = chosen.HttpSchemeOf(address);
+        if (http.isEmpty()) {
+            ::Ftp::Target target = chosen.TargetOf(address);
+            FtpThread().Fetch(std::move(target), chosen.Manner, std::move(file), ListenerOf(command));
+        } else {
+            HttpRequest request = chosen.HttpRequestOf(address, http);
+            request.File = std::move(file);
+            StartFetch(request, command);
+        }
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
     }
@@ -222,15 +338,30 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
 
 quint64 TransferComponent::Begin()
 {
-    if (!Thread) Thread = std::make_unique<Worker>();
     Executing = true;
+    OverHttp = false;
+    ForgetReply();
+    return ++Number;
+}
+
+Worker& TransferComponent::FtpThread()
+{
+    if (!Thread) Thread = std::make_unique<Worker>();
+    return *Thread;
+}
+
+void TransferComponent::ForgetReply()
+{
     Reply.clear();
     ReplyTaken = 0;
-    return ++Number;
+    Bytes.clear();
+    Stored.reset();
 }
 
 /// Turns what the engine tells into the component's own terms, on the transfer thread.
 struct TransferComponent::Decoder {
+    bool IsText;  ///< the reply is asked for as text, not as bytes
+
     Told operator()(int state) const { return state; }
 
     Told operator()(const std::string& line) const { return BytesToText(ArrayOf(line)); }
@@ -248,8 +379,11 @@ struct TransferComponent::Decoder {
 
     Told operator()(const ::Ftp::Outcome& outcome) const
     {
-        Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply), {}};
-        ended.Reply = BytesToText(ended.Bytes);
+        Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, {}, {}};
+        if (IsText)
+            ended.Reply = BytesToText(ArrayOf(outcome.Reply));
+        else
+            ended.Bytes = ArrayOf(outcome.Reply);
         if (outcome.Transferred)
             ended.Transferred =
                 Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
@@ -280,10 +414,10 @@ private:
 // The transfer thread only hands over: everything is told on this object's thread, in order.
 Worker::Listener TransferComponent::ListenerOf(quint64 command)
 {
-    return [this, command](std::vector<Worker::News> news) {
+    return [this, command, isText = !OverHttp && !Arrived](std::vector<Worker::News> news) {
         std::vector<Told> told;
         told.reserve(news.size());
-        for (Worker::News& one : news) told.push_back(std::visit(Decoder{}, std::move(one)));
+        for (Worker::News& one : news) told.push_back(std::visit(Decoder{isText}, std::move(one)));
         const auto take = [this, command, told = std::move(told)] {
             for (const Told& one : told)
                 Untold.push_back([this, command, one] { std::visit(Teller(*this, command), one); });
@@ -337,8 +471,11 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
     Code = ended.Code;
     Info = ended.Info;
     Reply = ended.Reply;
+    Bytes = ended.Bytes;
     const WhenArrived arrived = std::exchange(Arrived, {});
-    const Download download{ended.Good, ended.Good ? ended.Bytes : QByteArray(), Code, Info};
+    if (!ended.Good) Stored.reset();
+    const qint64 size = Stored ? Stored->Size() : ended.Bytes.size();
+    const Download download{ended.Good, ended.Good ? ended.Bytes : QByteArray(), ended.Good ? size : 0, Code, Info};
     Executing = false;
     if (ended.Transferred) emit Transferred(*ended.Transferred);
     if (command != Number || Executing) return;
@@ -346,8 +483,19 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
     if (arrived) arrived(download);
 }
 
-QString TransferComponent::GetChunk(int size, DataType)
+QString TransferComponent::GetChunk(int size, DataType type)
 {
+    if (Stored) return QString::fromLatin1(Stored->Next(size));
+    if (type == ByteArray) {
+        // Text that is asked for as bytes goes on as bytes, and the other way round.
+        if (!Reply.isEmpty()) Bytes = TextToBytes(Reply.mid(std::exchange(ReplyTaken, 0)));
+        Reply.clear();
+        const QByteArray piece = Bytes.mid(ReplyTaken, size);
+        ReplyTaken += piece.size();
+        return QString::fromLatin1(piece);
+    }
+    if (!Bytes.isEmpty()) Reply = BytesToText(Bytes.mid(std::exchange(ReplyTaken, 0)));
+    Bytes.clear();
     QString chunk = Reply.mid(ReplyTaken, size);
     ReplyTaken += chunk.size();
     return chunk;
@@ -361,16 +509,17 @@ bool TransferComponent::StillExecuting() const
 void TransferComponent::Cancel()
 {
     if (!Executing) return;
-    const bool wasOpen = Thread->Cancel();
+    const bool wasOpen = OverHttp ? Web->Cancel() : Thread && Thread->Cancel();
     const quint64 command = Number;
     Code = ::Ftp::CancelledError;
     Info = "The command was cancelled.";
     const WhenArrived arrived = std::exchange(Arrived, {});
+    Stored.reset();
     if (wasOpen) Report(command, Disconnected);
     if (command != Number || !Executing) return;
     Executing = false;
     emit StateChanged(None);
-    if (arrived) arrived({false, {}, ::Ftp::CancelledError, "The command was cancelled."});
+    if (arrived) arrived({false, {}, 0, ::Ftp::CancelledError, "The command was cancelled."});
 }
 
 int TransferComponent::ResponseCode() const

@@ -3,6 +3,7 @@
 #include "inet/ftp/asio_clock.h"
 #include "inet/ftp/session.h"
 #include "inet/ftp/socket_network.h"
+#include "inet/ftp/tunnel_network.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -43,7 +44,8 @@ public:
     /// One command at a time: the one before must have ended.
     void Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                  Listener listener);
-    void Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener);
+    /// Into `file`, or into memory when that is empty.
+    void Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener);
 
     /// Answers the question of this number; nothing happens when nobody waits for it any more.
     void Answer(unsigned question, bool accepted);
@@ -56,7 +58,7 @@ public:
     bool Cancel();
 
 private:
-    void Start(Ftp::Task<Ftp::Outcome> command, Listener listener);
+    void Start(Ftp::Task<Ftp::Outcome> command, Ftp::Proxy via, Listener listener);
     Ftp::Task<> Carry(Ftp::Task<Ftp::Outcome> command);
     void Note(News news);
     void HandOver();
@@ -64,7 +66,8 @@ private:
 
     asio::io_context Context;
     asio::executor_work_guard<asio::io_context::executor_type> Work;
-    Ftp::SocketNetwork Network;
+    Ftp::SocketNetwork Sockets;
+    Ftp::TunnelNetwork Network;
     Ftp::AsioClock Time;
 
     // Transfer thread only

@@ -1,6 +1,7 @@
 #include "inet/ftp/session.h"
 
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/secret.h"
 
 #include <algorithm>
 #include <cctype>
@@ -57,33 +58,6 @@ Failure AccountFailure(const Reply& reply)
             "The server wants an account name, which Tolvane cannot give: " + reply.Text()};
 }
 
-bool IsWordByte(char byte)
-{
-    const auto value = static_cast<unsigned char>(byte);
-    return value >= 0x80 || (value >= '0' && value <= '9') || (value >= 'A' && value <= 'Z') ||
-           (value >= 'a' && value <= 'z');
-}
-
-/// The text with the secret made unreadable. One of a few letters counts only where it stands as a word of its own:
-/// anything else would spoil every text that happens to hold them.
-std::string Without(const std::string& secret, std::string text)
-{
-    constexpr std::size_t AnywhereFrom = 4;
-    if (secret.empty()) return text;
-    const std::string mask = "****";
-    for (std::size_t at = text.find(secret); at != std::string::npos; at = text.find(secret, at)) {
-        const std::size_t end = at + secret.size();
-        const bool inside = (at > 0 && IsWordByte(text[at - 1])) || (end < text.size() && IsWordByte(text[end]));
-        if (inside && secret.size() < AnywhereFrom) {
-            ++at;
-            continue;
-        }
-        text.replace(at, secret.size(), mask);
-        at += mask.size();
-    }
-    return text;
-}
-
 std::string MoveLine(const std::string& name)
 {
     return name.empty() ? "CDUP" : "CWD " + name;
@@ -107,13 +81,13 @@ Task<Outcome> Session::Perform(Target target, Manner manner, Operation operation
     co_return co_await Guarded(Run(std::move(operation)));
 }
 
-Task<Outcome> Session::Fetch(Target target, Manner manner)
+Task<Outcome> Session::Fetch(Target target, Manner manner, std::filesystem::path file)
 {
     Drop();
     std::string path = std::exchange(target.Path, {});
     Where = std::move(target);
     How = manner;
-    Outcome outcome = co_await Guarded(RunFetch(std::move(path)));
+    Outcome outcome = co_await Guarded(RunFetch(std::move(path), std::move(file)));
     Drop();
     co_return outcome;
 }
@@ -204,16 +178,19 @@ Task<std::string> Session::RunOnce(Operation operation)
     co_return asked;
 }
 
-Task<std::string> Session::RunFetch(std::string path)
+Task<std::string> Session::RunFetch(std::string path, std::filesystem::path file)
 {
     co_await Connect({});
     Begin();
     co_await SetType('I');
-    MemorySink sink(std::size_t{2} * 1024 * 1024 * 1024);
+    MemorySink memory(std::size_t{2} * 1024 * 1024 * 1024);
+    FileSink stored(file);
+    Sink& sink = file.empty() ? static_cast<Sink&>(memory) : stored;
     const Reply end = co_await Retrieve(std::move(path), sink);
     if (IsBad(end)) throw RefusalOf(end);
+    sink.Keep();
     Tell.State(ResponseReceived);
-    co_return std::move(sink.Bytes);
+    co_return std::move(memory.Bytes);
 }
 
 void Session::Begin()

@@ -5,6 +5,7 @@
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
 #include "inet/ftp/progress.h"
+#include "inet/ftp/proxy_address.h"
 #include "inet/ftp/tls_session.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
@@ -27,6 +28,7 @@ struct Target {
     std::string Password;  ///< sent to this target and nowhere else
     std::string Path;      ///< entered after log-in; empty: where the server puts the user
     Protection Safety = Protection::None;
+    Proxy Via = {};  ///< the network's business, but another road means another session
     bool operator==(const Target&) const = default;
 };
 
@@ -73,8 +75,9 @@ public:
     /// `folder`. Never throws.
     Task<Outcome> Perform(Target target, Manner manner, Operation operation, std::filesystem::path folder);
 
-    /// Fetches the file at the target's path into memory, on a connection of its own that ends with it.
-    Task<Outcome> Fetch(Target target, Manner manner);
+    /// Fetches the file at the target's path into `file`, or into memory when that is empty, on a connection of its
+    /// own that ends with it.
+    Task<Outcome> Fetch(Target target, Manner manner, std::filesystem::path file = {});
 
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
@@ -141,7 +144,7 @@ private:
 
     Task<std::string> Run(Operation operation);
     Task<std::string> RunOnce(Operation operation);
-    Task<std::string> RunFetch(std::string path);
+    Task<std::string> RunFetch(std::string path, std::filesystem::path file);
     Task<Outcome> Guarded(Task<std::string> work);
     Task<> GetInStep();
     bool LeavesSessionAsItWas(const Failure& failure) const;

@@ -1,5 +1,6 @@
 #include "base/listing_name.h"
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/local_name.h"
 #include "inet/ftp/session.h"
 
 #include <algorithm>
@@ -55,23 +56,6 @@ std::optional<std::string_view> LineOf(std::string_view listing, std::string_vie
         if (line == text || Trimmed(line) == text) return line;
     }
     return std::nullopt;
-}
-
-/// Whether a name can be that of a file in one given folder.
-bool IsOneComponent(const std::string& name)
-{
-    const auto unfit = [](char byte) {
-        return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F || byte == '/' ||
-               byte == static_cast<char>(std::filesystem::path::preferred_separator);
-    };
-    return !name.empty() && name != "." && name != ".." && std::none_of(name.begin(), name.end(), unfit);
-}
-
-void CheckLocalName(const std::string& name)
-{
-    if (IsOneComponent(name)) return;
-    throw Failure{Failure::Request, OperationError,
-                  "A file cannot have the name \"" + name + "\" on this computer, so it was not touched."};
 }
 
 Failure CutFailure()
