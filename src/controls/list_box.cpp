@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QMultiHash>
 #include <QScrollBar>
@@ -199,6 +201,7 @@ void ListBox::mouseMoveEvent(QMouseEvent* event)
     if (!IsDragging()) return;
     const QPoint moved = event->position().toPoint() - DragStart;
     if (moved.manhattanLength() < QApplication::startDragDistance()) return;
+    if (DragOutside(event->globalPosition().toPoint())) return;
     const ListBox* target = TargetAt(event->globalPosition().toPoint());
     viewport()->setCursor(target != nullptr && target != this ? Qt::DragCopyCursor : Qt::ForbiddenCursor);
 }
@@ -249,6 +252,59 @@ void ListBox::hideEvent(QHideEvent* event)
 {
     EndDrag();
     QListView::hideEvent(event);
+}
+
+void ListBox::TakeFiles()
+{
+    TakesFiles = true;
+    setAcceptDrops(true);
+}
+
+void ListBox::OfferFiles(Offer offer)
+{
+    Offered = std::move(offer);
+}
+
+bool ListBox::DragOutside(const QPoint& global)
+{
+    if (!Offered.Files || window()->frameGeometry().contains(global)) return false;
+    const QList<QUrl> files = Offered.Files();
+    if (files.isEmpty()) return false;
+    EndDrag();
+    Offered.Drag(*this, files);
+    return true;
+}
+
+bool ListBox::Takes(const QDropEvent& event) const
+{
+    const QList<QUrl> files = event.mimeData()->urls();
+    return TakesFiles && event.possibleActions().testFlag(Qt::CopyAction) &&
+           std::any_of(files.begin(), files.end(), [](const QUrl& file) { return file.isLocalFile(); });
+}
+
+void ListBox::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragMoveEvent(event);
+}
+
+void ListBox::dragMoveEvent(QDragMoveEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(Takes(*event));
+}
+
+void ListBox::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    event->accept();
+}
+
+void ListBox::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(Takes(*event));
+    if (!event->isAccepted()) return;
+    QMetaObject::invokeMethod(
+        this, [this, files = event->mimeData()->urls()] { emit FilesDropped(files); }, Qt::QueuedConnection);
 }
 
 void ListBox::contextMenuEvent(QContextMenuEvent* event)

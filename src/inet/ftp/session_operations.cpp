@@ -202,9 +202,10 @@ Task<> Session::CheckSize(std::string name, const Transfer& transfer)
                       std::to_string(size.value_or(*announced)) + " bytes."};
 }
 
+// As with GET, a local name of its own is a path that the program has composed.
 Task<std::string> Session::Do(Ftp::Send operation)
 {
-    CheckLocalName(operation.Local);
+    if (operation.Local == operation.Remote) CheckLocalName(operation.Local);
     RequireSendable(operation.Remote);
     const std::filesystem::path path = Folder / operation.Local;
     std::unique_ptr<ReadFile> file;
