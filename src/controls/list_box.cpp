@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QDragEnterEvent>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -15,6 +17,9 @@
 #include <utility>
 
 namespace {
+
+constexpr double FixedPitchSize = 0.92;  // of the program's font, whose letters are narrower
+constexpr int FixedPitchStretch = 85;    // percent
 
 /// Where the entries of one list stand in another: -1 for those that are gone. What both begin and end with costs
 /// little, so that a small change in a long list does.
@@ -151,6 +156,17 @@ void ListBox::Append(const QStringList& entries)
 void ListBox::Clear()
 {
     SetEntries({});
+}
+
+void ListBox::SetFixedPitch(bool on)
+{
+    QFont font;
+    if (on) {
+        font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        font.setPointSizeF(FixedPitchSize * QFontInfo(QApplication::font()).pointSizeF());
+        font.setStretch(FixedPitchStretch);
+    }
+    setFont(font);
 }
 
 bool ListBox::IsSelected(int index) const

@@ -38,6 +38,10 @@ public:
     void Append(const QStringList& entries);
     void Clear();
 
+    /// Whether columns of the entries stand below each other: all letters have one width. They are drawn narrow, since
+    /// what matters stands at the end of long lines.
+    void SetFixedPitch(bool on);
+
     bool IsSelected(int index) const;
     QStringList SelectedEntries() const;  ///< in list order
 
