@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 #include "app/program_values.h"
+#include "controls/desktop_drag.h"
 #include "i18n/language.h"
 #include "i18n/language_chooser.h"
 #include "inet/transfer_component.h"
@@ -49,6 +50,7 @@ int main(int count, char** words)
     SoundPlayer sounds;
     around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };
     around.OpenTextEditor = &OpenTextEditor;
+    around.DragFiles = &DragFiles;
     around.Now = &QDateTime::currentDateTime;
     around.Quit = [] { QCoreApplication::exit(0); };
     around.EndAtOnce = [] { std::_Exit(0); };

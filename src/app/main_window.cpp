@@ -300,6 +300,9 @@ void MainWindow::WireDrags()
     connect(form.List1, &ListBox::DragDropped, &own.Incoming, &Receiver::List1_DragDrop);
     connect(form.Dir1, &ListBox::DragDropped, &own.Incoming, &Receiver::Dir1_DragDrop);
     connect(form.lstRemoteFiles, &ListBox::DragDropped, &own.Outgoing, &Sender::lstRemoteFiles_DragDrop);
+    connect(form.lstRemoteFiles, &ListBox::FilesDropped, &own.Outgoing, &Sender::lstRemoteFiles_FilesDropped);
+    form.lstRemoteFiles->TakeFiles();
+    form.List1->OfferFiles({[&own] { return own.Files.SelectedFiles(); }, own.Around.DragFiles});
     connect(form.Image1, &QAbstractButton::clicked, &own.Outgoing, &Sender::Image1_Click);
     connect(form.Image2, &QAbstractButton::clicked, &own.Incoming, &Receiver::Image2_Click);
     connect(form.Image3, &QAbstractButton::clicked, &own.Names, &NameOptions::Image3_Click);

@@ -3,7 +3,9 @@
 #include "session/follow_ups.h"
 
 #include <QDateTime>
+#include <QList>
 #include <QMainWindow>
+#include <QUrl>
 #include <functional>
 #include <memory>
 
@@ -21,8 +23,9 @@ struct Surroundings {
     Asker* Questions = nullptr;                       ///< nobody: message boxes over the window
     TextInput* Prompt = nullptr;                      ///< nobody: the text input dialog over the window
     std::function<void()> Beep;
-    std::function<void(const QString& path)> PlaySound;         ///< begins to play a WAV file
-    std::function<qint64(const QString& path)> OpenTextEditor;  ///< as platform/text_editor.h
+    std::function<void(const QString& path)> PlaySound;                        ///< begins to play a WAV file
+    std::function<qint64(const QString& path)> OpenTextEditor;                 ///< as platform/text_editor.h
+    std::function<void(QWidget& source, const QList<QUrl>& files)> DragFiles;  ///< as controls/desktop_drag.h
     std::function<QDateTime()> Now;
     std::function<void()> Quit;       ///< leaves the program's event loop
     std::function<void()> EndAtOnce;  ///< ends the process without any closing steps

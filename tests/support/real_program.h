@@ -56,6 +56,7 @@ public:
             Edited += path;
             return 4711;
         };
+        around.DragFiles = [](QWidget&, const QList<QUrl>&) {};
         around.Now = &QDateTime::currentDateTime;
         around.Quit = [] {};
         around.EndAtOnce = [] {};

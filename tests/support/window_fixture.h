@@ -138,6 +138,7 @@ public:
     int Ends = 0;             ///< how often the process would have been ended at once
     QStringList Sounds;       ///< the files that were played
     QStringList Edited;       ///< the paths that the text editor was started with
+    QList<QUrl> Dragged;      ///< the files that were dragged out of the window
     QString EditorComplaint;  ///< when set, no editor can be started, for this reason
     QDateTime Now{QDate(2024, 3, 9), QTime(17, 5, 8)};
 
@@ -161,6 +162,7 @@ private:
             Edited += path;
             return 4711;
         };
+        around.DragFiles = [this](QWidget&, const QList<QUrl>& files) { Dragged += files; };
         around.Now = [this] { return Now; };
         around.Quit = [this] { ++Quits; };
         around.EndAtOnce = [this] { ++Ends; };

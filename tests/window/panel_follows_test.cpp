@@ -30,6 +30,8 @@ private slots:
     void TheFolderThatWasMovedToIsFollowed();
     void ManyChangesAreGathered();
     void AFolderThatVanishesIsTold();
+    void AFolderThatComesBackIsShownAgain();
+    void AFolderThatComesBackWithTheOneAboveIsShownAgain();
     void AFolderThatIsRenamedKeepsItsFiles();
     void AFolderWithoutPermissionIsTold();
     void AFolderWhoseNameIsNoTextIsFollowed();
@@ -212,6 +214,44 @@ void PanelFollowsTest::AFolderThatVanishesIsTold()
     QTRY_COMPARE(Driver->Status(), "Cannot open folder " + gone + ": Path not found");
     QCOMPARE(Files().Count(), 0);
     ChangeCurrentFolder(Driver->LocalFolder());
+}
+
+void PanelFollowsTest::AFolderThatComesBackIsShownAgain()
+{
+    const QTemporaryDir top;
+    const QString folder = top.path() + "/there";
+    QVERIFY(QDir().mkdir(folder));
+    ChangeCurrentFolder(folder);
+    Driver->Open();
+    QVERIFY(QDir().rmdir(folder));
+    QTRY_VERIFY2(Driver->Status().startsWith("Cannot open folder"), qPrintable(Driver->Status()));
+    // Others come and go meanwhile.
+    QVERIFY(QDir().mkdir(top.path() + "/another"));
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(QFile(folder + "/new").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), QStringList{"new"});
+    QCOMPARE(CurrentFolder(), folder);
+    QVERIFY(QFile(folder + "/newer").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), (QStringList{"new", "newer"}));
+    Driver->Close();
+    ChangeCurrentFolder("/");
+}
+
+void PanelFollowsTest::AFolderThatComesBackWithTheOneAboveIsShownAgain()
+{
+    const QTemporaryDir top;
+    const QString folder = top.path() + "/above/there";
+    QVERIFY(QDir().mkpath(folder));
+    ChangeCurrentFolder(folder);
+    Driver->Open();
+    QVERIFY(QDir(top.path() + "/above").removeRecursively());
+    QTRY_VERIFY2(Driver->Status().startsWith("Cannot open folder"), qPrintable(Driver->Status()));
+    QVERIFY(QDir().mkdir(top.path() + "/above"));
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(QFile(folder + "/new").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), QStringList{"new"});
+    Driver->Close();
+    ChangeCurrentFolder("/");
 }
 
 void PanelFollowsTest::AFolderThatIsRenamedKeepsItsFiles()

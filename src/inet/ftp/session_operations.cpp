@@ -247,9 +247,10 @@ Task<> Session::CheckCut(std::string name, const Transfer& transfer)
     if (IsBad(reply) || SizeFigure(reply) != transfer.Bytes()) throw CutFailure();
 }
 
+// As with GET, a local name of its own is a path that the program has composed.
 Task<std::string> Session::Do(Ftp::Send operation)
 {
-    CheckLocalName(operation.Local);
+    if (operation.Local == operation.Remote) CheckLocalName(operation.Local);
     RequireSendable(operation.Remote);
     const std::filesystem::path path = Folder / operation.Local;
     std::unique_ptr<ReadFile> file;
