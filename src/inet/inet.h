@@ -45,7 +45,8 @@ public:
     /// What an OpenURL ended with.
     struct Download {
         bool Arrived = false;  ///< the whole file is here
-        QByteArray Bytes;      ///< its bytes, empty when it did not arrive
+        QByteArray Bytes;      ///< its bytes; empty when it did not arrive, or went into a reply file
+        qint64 Size = 0;       ///< how many bytes it has, wherever they went
         int Code = 0;          ///< as ResponseCode
         QString Info;          ///< as ResponseInfo: a sentence
     };
@@ -80,7 +81,16 @@ public:
     /// Returns at once. Throws RuntimeError while StillExecuting.
     virtual void OpenURL(const QString& address, DataType type, WhenArrived whenArrived) = 0;
 
+    /// The reply of the next OpenURL goes into this file instead of memory; it counts for that one alone. GetChunk then
+    /// hands the bytes out, and Download::Bytes stays empty. The file belongs to the component: it is made when the
+    /// server has agreed to send, replaces what has its name, and is removed with the reply: when the next command
+    /// begins, when this one fails or is cancelled, or when the component goes away. So give it a hidden name beside
+    /// the target; an empty path means memory.
+    virtual void SetReplyFile(const QString& path) = 0;
+
     /// Up to `size` further characters of the last reply (a listing, a size, a path); empty when there are no more.
+    /// With ByteArray, and from a reply file always, each character U+0000..U+00FF is one byte as it came: toLatin1()
+    /// gives the bytes.
     virtual QString GetChunk(int size, DataType type = Text) = 0;
 
     /// True from Execute or OpenURL until just before the final state (12, 11 or 0) is delivered.

@@ -151,6 +151,11 @@ void TransferComponent::SetListingLineHelp(bool on)
     Chosen->Manner.ListingLineHelp = on;
 }
 
+void TransferComponent::SetReplyFile(const QString& path)
+{
+    NextReplyFile = path.isEmpty() ? std::filesystem::path() : std::filesystem::absolute(FilePath(path));
+}
+
 void TransferComponent::Execute(const QString& url, const QString& operation, const QString&)
 {
     if (Executing) throw RuntimeError("Still executing last request");
@@ -172,8 +177,10 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
     if (Executing) throw RuntimeError("Still executing last request");
     const quint64 command = Begin();
     Arrived = std::move(whenArrived);
+    std::filesystem::path file = std::exchange(NextReplyFile, {});
+    if (!file.empty()) Stored = std::make_unique<ReplyFile>(file);
     try {
-        Thread->Fetch(Chosen->TargetOf(address), Chosen->Manner, ListenerOf(command));
+        Thread->Fetch(Chosen->TargetOf(address), Chosen->Manner, std::move(file), ListenerOf(command));
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
     }
@@ -183,9 +190,16 @@ quint64 TransferComponent::Begin()
 {
     if (!Thread) Thread = std::make_unique<Worker>();
     Executing = true;
+    ForgetReply();
+    return ++Number;
+}
+
+void TransferComponent::ForgetReply()
+{
     Reply.clear();
     ReplyTaken = 0;
-    return ++Number;
+    InBytes = false;
+    Stored.reset();
 }
 
 // The transfer thread only hands over: everything is told on this object's thread, in order.
@@ -225,14 +239,22 @@ void TransferComponent::Finish(quint64 command, const Ended& ended)
     Info = ended.Info;
     Reply = ended.Reply;
     const WhenArrived arrived = std::exchange(Arrived, {});
-    const Download download{ended.Good, ended.Good ? ended.Bytes : QByteArray(), Code, Info};
+    if (!ended.Good) Stored.reset();
+    const qint64 size = Stored ? Stored->Size() : ended.Bytes.size();
+    const Download download{ended.Good, ended.Good ? ended.Bytes : QByteArray(), ended.Good ? size : 0, Code, Info};
     Executing = false;
     emit StateChanged(ended.Good ? ResponseCompleted : Error);
     if (arrived) arrived(download);
 }
 
-QString TransferComponent::GetChunk(int size, DataType)
+QString TransferComponent::GetChunk(int size, DataType type)
 {
+    if (Stored) return QString::fromLatin1(Stored->Next(size));
+    if (type == ByteArray && !InBytes) {
+        Reply = QString::fromLatin1(TextToBytes(Reply.mid(ReplyTaken)));
+        ReplyTaken = 0;
+        InBytes = true;
+    }
     const QString chunk = Reply.mid(ReplyTaken, size);
     ReplyTaken += chunk.size();
     return chunk;
@@ -251,11 +273,12 @@ void TransferComponent::Cancel()
     Code = ::Ftp::CancelledError;
     Info = "The command was cancelled.";
     const WhenArrived arrived = std::exchange(Arrived, {});
+    Stored.reset();
     if (wasOpen) Report(command, Disconnected);
     if (command != Number || !Executing) return;
     Executing = false;
     emit StateChanged(None);
-    if (arrived) arrived({false, {}, ::Ftp::CancelledError, "The command was cancelled."});
+    if (arrived) arrived({false, {}, 0, ::Ftp::CancelledError, "The command was cancelled."});
 }
 
 int TransferComponent::ResponseCode() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inet/inet.h"
+#include "inet/reply_file.h"
 #include "inet/worker.h"
 
 #include <memory>
@@ -27,6 +28,7 @@ public:
 
     void Execute(const QString& url, const QString& operation, const QString& inputData = {}) override;
     void OpenURL(const QString& address, DataType type, WhenArrived whenArrived) override;
+    void SetReplyFile(const QString& path) override;
     QString GetChunk(int size, DataType type = Text) override;
     bool StillExecuting() const override;
     void Cancel() override;
@@ -44,6 +46,7 @@ private:
     void Report(quint64 command, int state);
     void Finish(quint64 command, const Ended& ended);
     void FailSoon(int code, const QString& sentence);
+    void ForgetReply();
 
     std::unique_ptr<Properties> Chosen;
     std::unique_ptr<Worker> Thread;  ///< begun with the first command
@@ -52,6 +55,9 @@ private:
     WhenArrived Arrived;  ///< of the OpenURL that runs
     int Code = 0;
     QString Info;
-    QString Reply;  ///< of the last command
+    QString Reply;  ///< of the last command, unless it went into a file
     qsizetype ReplyTaken = 0;
+    bool InBytes = false;                 ///< what is left of it has been asked for as bytes
+    std::filesystem::path NextReplyFile;  ///< of the next OpenURL
+    std::unique_ptr<ReplyFile> Stored;    ///< of the last one, where it went into a file
 };

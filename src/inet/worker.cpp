@@ -37,9 +37,9 @@ void Worker::Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation oper
     Start(Session.Perform(std::move(target), manner, std::move(operation), std::move(folder)), std::move(listener));
 }
 
-void Worker::Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener)
+void Worker::Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener)
 {
-    Start(Session.Fetch(std::move(target), manner), std::move(listener));
+    Start(Session.Fetch(std::move(target), manner, std::move(file)), std::move(listener));
 }
 
 void Worker::Start(Ftp::Task<Ftp::Outcome> command, Listener listener)

@@ -32,7 +32,8 @@ public:
     /// One command at a time: the one before must have ended.
     void Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                  Listener listener);
-    void Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener);
+    /// Into `file`, or into memory when that is empty.
+    void Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener);
 
     /// Closes the session at once and in silence.
     void Drop();

@@ -90,6 +90,12 @@ void RecordingInet::Execute(const QString& url, const QString& operation, const 
     Schedule();
 }
 
+void RecordingInet::SetReplyFile(const QString& path)
+{
+    Put("ReplyFile", path);
+    IntoFile = !path.isEmpty();
+}
+
 void RecordingInet::OpenURL(const QString& address, DataType, WhenArrived whenArrived)
 {
     ThrowWhenRefused("OpenURL");
@@ -168,8 +174,14 @@ void RecordingInet::End(int state)
     Busy = false;
     Ahead.clear();
     const WhenArrived arrival = std::exchange(Arrival, nullptr);
-    Download download{state == ResponseCompleted, {}, Code, Info};
-    if (download.Arrived) download.Bytes = DownloadBytes;
+    Download download{state == ResponseCompleted, {}, 0, Code, Info};
+    if (arrival && download.Arrived) {
+        download.Size = DownloadBytes.size();
+        if (std::exchange(IntoFile, false))
+            Reply = QString::fromLatin1(DownloadBytes);
+        else
+            download.Bytes = DownloadBytes;
+    }
     emit StateChanged(state);
     if (arrival) arrival(download);
 }

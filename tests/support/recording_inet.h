@@ -67,6 +67,8 @@ public:
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
 
+    /// With a reply file, which is only recorded ("ReplyFile = path"), GetChunk hands out DownloadBytes.
+    void SetReplyFile(const QString& path) override;
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
     void SetURL(const QString& url) override;
@@ -114,5 +116,6 @@ private:
     QString Info;
     bool Busy = false;
     bool Held = false;
+    bool IntoFile = false;  ///< the next download
     bool SessionOpen = false;
 };

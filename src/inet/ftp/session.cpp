@@ -86,13 +86,13 @@ Task<Outcome> Session::Perform(Target target, Manner manner, Operation operation
     co_return co_await Guarded(Run(std::move(operation)));
 }
 
-Task<Outcome> Session::Fetch(Target target, Manner manner)
+Task<Outcome> Session::Fetch(Target target, Manner manner, std::filesystem::path file)
 {
     Drop();
     std::string path = std::exchange(target.Path, {});
     Where = std::move(target);
     How = manner;
-    Outcome outcome = co_await Guarded(RunFetch(std::move(path)));
+    Outcome outcome = co_await Guarded(RunFetch(std::move(path), std::move(file)));
     Drop();
     co_return outcome;
 }
@@ -147,16 +147,19 @@ Task<std::string> Session::Run(Operation operation)
     co_return asked;
 }
 
-Task<std::string> Session::RunFetch(std::string path)
+Task<std::string> Session::RunFetch(std::string path, std::filesystem::path file)
 {
     co_await Connect();
     Begin();
     co_await SetType('I');
-    MemorySink sink(std::size_t{2} * 1024 * 1024 * 1024);
+    MemorySink memory(std::size_t{2} * 1024 * 1024 * 1024);
+    FileSink stored(file);
+    Sink& sink = file.empty() ? static_cast<Sink&>(memory) : stored;
     const Reply end = co_await Retrieve(std::move(path), sink);
     if (IsBad(end)) throw RefusalOf(end);
+    sink.Keep();
     Tell.State(ResponseReceived);
-    co_return std::move(sink.Bytes);
+    co_return std::move(memory.Bytes);
 }
 
 void Session::Begin()

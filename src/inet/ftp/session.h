@@ -60,8 +60,9 @@ public:
     /// `folder`. Never throws.
     Task<Outcome> Perform(Target target, Manner manner, Operation operation, std::filesystem::path folder);
 
-    /// Fetches the file at the target's path into memory, on a connection of its own that ends with it.
-    Task<Outcome> Fetch(Target target, Manner manner);
+    /// Fetches the file at the target's path into `file`, or into memory when that is empty, on a connection of its
+    /// own that ends with it.
+    Task<Outcome> Fetch(Target target, Manner manner, std::filesystem::path file = {});
 
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
@@ -111,7 +112,7 @@ private:
     Task<std::string> Do(Close);
 
     Task<std::string> Run(Operation operation);
-    Task<std::string> RunFetch(std::string path);
+    Task<std::string> RunFetch(std::string path, std::filesystem::path file);
     Task<Outcome> Guarded(Task<std::string> work);
     bool LeavesSessionAsItWas(const Failure& failure) const;
     Task<std::string> List(std::string command);
