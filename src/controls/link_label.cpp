@@ -1,5 +1,7 @@
 #include "controls/link_label.h"
 
+#include <QEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,7 +14,24 @@ LinkLabel::LinkLabel(QWidget* parent) : QLabel(parent)
     QFont underlined = font();
     underlined.setUnderline(true);
     setFont(underlined);
-    setForegroundRole(QPalette::Link);
+    ChooseColour();
+}
+
+// Not every dark desktop has a colour for links that can be read on it.
+void LinkLabel::ChooseColour()
+{
+    const QPalette common = QGuiApplication::palette();
+    const bool dark = common.color(QPalette::Window).lightness() < 128;
+    const QColor link = common.color(QPalette::Link);
+    QPalette own = palette();
+    own.setColor(QPalette::WindowText, dark && link.lightness() < 160 ? QColor(0x6C, 0xB6, 0xFF) : link);
+    if (own.color(QPalette::WindowText) != palette().color(QPalette::WindowText)) setPalette(own);
+}
+
+void LinkLabel::changeEvent(QEvent* event)
+{
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) ChooseColour();
 }
 
 // Or it would be the press of what lies below, and the release would not come here.
