@@ -1,11 +1,14 @@
 #include "app/main_window.h"
 #include "app/program_values.h"
 #include "controls/desktop_drag.h"
+#include "dialogs/maker.h"
 #include "i18n/language.h"
 #include "i18n/language_chooser.h"
 #include "inet/transfer_component.h"
 #include "platform/beep.h"
+#include "platform/display_modes.h"
 #include "platform/end_requests.h"
+#include "platform/open_address.h"
 #include "platform/places.h"
 #include "platform/sound.h"
 #include "platform/text_editor.h"
@@ -27,6 +30,12 @@ bool ChooseLanguage(Language& texts, SettingsStore& settings, ErrorRecord& error
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, &chooser, &LanguageChooser::End);
     ChooseLanguageAtFirstStart(chooser, settings);
     return !chooser.Ended();
+}
+
+QString MessageAddress()
+{
+    const QString given = qEnvironmentVariable("TOLVANE_MESSAGE_URL");
+    return given.isEmpty() ? QString(Maker::MessageAddress) : given;
 }
 
 }  // namespace
@@ -51,6 +60,10 @@ int main(int count, char** words)
     around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };
     around.OpenTextEditor = &OpenTextEditor;
     around.DragFiles = &DragFiles;
+    around.OpenAddress = &OpenAddress;
+    const std::unique_ptr<DisplayModes> screen = DesktopDisplayModes();
+    around.Screen = screen.get();
+    around.MessageAddress = MessageAddress();
     around.Now = &QDateTime::currentDateTime;
     around.Quit = [] { QCoreApplication::exit(0); };
     around.EndAtOnce = [] { std::_Exit(0); };
@@ -59,6 +72,7 @@ int main(int count, char** words)
     QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
     QObject::connect(&program, &QGuiApplication::commitDataRequest, &window, &QWidget::close);
 
+    window.Form_Initialize();
     window.Form_Load();
     if (window.Ended()) return 0;
     window.show();

@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 
+#include <QFile>
 #include <QTimer>
 #include <utility>
 
@@ -94,6 +95,7 @@ void RecordingInet::SetReplyFile(const QString& path)
 {
     Put("ReplyFile", path);
     IntoFile = !path.isEmpty();
+    ReplyPath = path;
 }
 
 void RecordingInet::OpenURL(const QString& address, DataType, WhenArrived whenArrived)
@@ -177,13 +179,21 @@ void RecordingInet::End(int state)
     Download download{state == ResponseCompleted, {}, 0, Code, Info};
     if (arrival && download.Arrived) {
         download.Size = DownloadBytes.size();
-        if (std::exchange(IntoFile, false))
+        if (std::exchange(IntoFile, false)) {
             Reply = QString::fromLatin1(DownloadBytes);
-        else
+            StoreReply();
+        } else {
             download.Bytes = DownloadBytes;
+        }
     }
     emit StateChanged(state);
     if (arrival) arrival(download);
+}
+
+void RecordingInet::StoreReply() const
+{
+    QFile file(ReplyPath);
+    if (file.open(QIODevice::WriteOnly)) file.write(DownloadBytes);
 }
 
 void RecordingInet::SetResponse(int code, const QString& info)

@@ -69,7 +69,7 @@ public:
     bool MoreToCome = false;
     CertificateJudge Judge;
 
-    /// With a reply file, which is only recorded ("ReplyFile = path"), GetChunk hands out DownloadBytes.
+    /// With a reply file ("ReplyFile = path") DownloadBytes are written to it, and GetChunk hands them out.
     void SetReplyFile(const QString& path) override;
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
@@ -105,6 +105,7 @@ private:
     void ThrowWhenRefused(const QString& member) const;
     void Begin(const QString& operation);
     Outcome OutcomeOf(const QString& operation);
+    void StoreReply() const;
     void Schedule();
     void Advance();
     void End(int state);
@@ -123,5 +124,6 @@ private:
     bool Busy = false;
     bool Held = false;
     bool IntoFile = false;  ///< the next download
+    QString ReplyPath;      ///< of that file
     bool SessionOpen = false;
 };
