@@ -71,13 +71,13 @@ void ConversationTest::ListsNames()
         C: NLST
         -- accept
         S: 150 coming
-        D: a name with blanks\r\n-x\r\n\xff\xfe\r\n
+        D: a name with blanks\r\n-x\r\n
         -- end
         S: 226 done
     )");
     const Ftp::Outcome got = talk.Do("LS");
     QVERIFY_GOOD(got);
-    QCOMPARE(got.Reply, std::string("a name with blanks\r\n-x\r\n\xff\xfe\r\n"));
+    QCOMPARE(got.Reply, std::string("a name with blanks\r\n-x\r\n"));
     QVERIFY_FOLLOWED(talk);
 }
 

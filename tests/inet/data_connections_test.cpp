@@ -364,7 +364,7 @@ void DataConnectionsTest::ListingsComeByteForByte()
     Conversation talk(
         LogIn + Passive +
         "C: LIST\n-- accept\nS: 150\nD: \\xef\\xbb\\xbfa\\0b\\r\\r\\nc\\n\\x1b[1m\\xff\\r\\nno end\n-- end\n"
-        "S: 226");
+        "S: 226\nC: FEAT\nS: 211 none");
     const Ftp::Outcome got = talk.Do("DIR");
     QVERIFY_GOOD(got);
     QCOMPARE(got.Reply, std::string("\xef\xbb\xbf"

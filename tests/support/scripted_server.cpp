@@ -46,7 +46,7 @@ std::string Unescaped(const std::string& text)
     return bytes;
 }
 
-int PortIn(const std::string& directive)
+int NumberIn(const std::string& directive)
 {
     return std::stoi(directive.substr(directive.find(' ') + 1));
 }
@@ -209,16 +209,17 @@ bool ScriptedServer::TryDirective(const std::string& text)
 {
     if (text.starts_with("listen ")) {
         Data.reset();
-        Listening.insert(PortIn(text));
+        Listening.insert(NumberIn(text));
         return true;
     }
+    if (text.starts_with("take ")) return Take(static_cast<std::size_t>(NumberIn(text)));
     if (text.starts_with("silent ")) {
-        SilentPorts.insert(PortIn(text));
+        SilentPorts.insert(NumberIn(text));
         return true;
     }
     if (text.starts_with("pause ")) {
         Paused = true;
-        Pause = Time.After(Ftp::Milliseconds(PortIn(text)), [this] {
+        Pause = Time.After(Ftp::Milliseconds(NumberIn(text)), [this] {
             Paused = false;
             Schedule();
         });
@@ -235,8 +236,20 @@ bool ScriptedServer::Command(const std::string& wanted)
     const std::string got = Control->ToServer.substr(0, end);
     Control->ToServer.erase(0, end + 2);
     if (wanted == "*" || got == wanted) return true;
+    if (got.starts_with("SIZE ")) {
+        SendControl("550 I know no sizes\r\n");
+        return Command(wanted);
+    }
     Fail("step " + std::to_string(At + 1) + ": wanted C: " + wanted + ", got " + got);
     return false;
+}
+
+bool ScriptedServer::Take(std::size_t count)
+{
+    if (!Data || Data->ToServer.size() < count) return false;
+    Data->ToServer.erase(0, count);
+    Data->Wake();
+    return true;
 }
 
 bool ScriptedServer::Upload(const std::string& wanted)

@@ -24,6 +24,7 @@ struct Disturbance {
 ///     C: USER ann           it waits for exactly this command; C: * takes any
 ///     D: some bytes         it sends on the data connection
 ///     U: some bytes         it waits until the client has sent exactly this on the data connection, and its end
+///     -- take 10            it waits for so many bytes on the data connection and reads them; U: tells what follows
 ///     -- listen 4001        connects to this port succeed from now on
 ///     -- silent 4001        connects to this port are never answered
 ///     -- accept             it waits for the client's data connection
@@ -37,7 +38,8 @@ struct Disturbance {
 ///     -- pause 500          it does nothing for that many milliseconds
 ///     -- silence            it does nothing any more
 ///
-/// \r \n \t \0 \\ and \xHH stand for bytes. A control connection is accepted where the script needs one. What the
+/// \r \n \t \0 \\ and \xHH stand for bytes. A question for a size that the script does not wait for is answered with
+/// "I know no sizes", so that a client may ask where it likes. A control connection is accepted where the script needs one. What the
 /// client sends against the script makes the server hang up; Complaint tells where.
 class ScriptedServer final : public MemoryServer {
 public:
@@ -93,6 +95,7 @@ private:
     bool TryDirective(const std::string& text);
     bool TryConnectionDirective(const std::string& text);
     bool Command(const std::string& wanted);
+    bool Take(std::size_t count);
     bool Upload(const std::string& wanted);
     void SendControl(const std::string& bytes);
     void SendData(const std::string& bytes);

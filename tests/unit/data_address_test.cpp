@@ -145,7 +145,12 @@ void DataAddressTest::AFolderIsReadFromItsQuotes_data()
     Row("257 \"C:\\Inetpub\" ok", "C:\\Inetpub");
     Row("257 \"/a\"\"b\" is it", "/a\"b");
     Row("257 \"/\"\"\"\"\" is it", "/\"\"");
-    Row("257 \"/a\"b\" is it", "/a");
+    Row("257 \"/a\"b\" is it", "/a\"b");
+    Row("257 \"/it\"s \"mine\"\" is it", "/it\"s \"mine\"");
+    Row("257 \"/a\"b\"", "/a\"b");
+    Row("257 \"/a\"b", "/a");
+    Row("257 \"/a\" b\" is it", "/a");
+    Row("257 \"/a\", \"b\"", "/a");
     Row("257 \"/a b\" \"c\"", "/a b");
     Row("257 \"/\xff\xe4\" is it", "/\xff\xe4");
     Row("257-Hello\n257 \"/pub\"", "/pub");

@@ -5,12 +5,14 @@
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
 #include <iterator>
+#include <utility>
 
 namespace Ftp {
 
 namespace {
 
-constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2: may come as the answer to anything
+constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
+constexpr int ServiceClosing = 421;  // the same: may come as the answer to anything
 
 bool IsControlCharacter(char byte)
 {
@@ -31,6 +33,7 @@ struct ControlConnection::Shared {
     ReplyParser Parser;
     std::deque<Reply> Replies;
     Reply Last;
+    std::size_t Heard = 0;
     std::function<void(const Reply&)> Listener;
     std::function<void()> EndListener;
     std::optional<Failure> Ended;  ///< why nothing more will come
@@ -59,6 +62,7 @@ Task<> ControlConnection::ReadOn(std::shared_ptr<Shared> shared)
             shared->Parser.Feed({buffer.data(), count});
             while (auto reply = shared->Parser.Next()) {
                 shared->SaidGoodbye = shared->SaidGoodbye || reply->Code == ServiceClosing;
+                ++shared->Heard;
                 if (shared->Listener) shared->Listener(*reply);
                 shared->Last = *reply;
                 shared->Replies.push_back(std::move(*reply));
@@ -115,8 +119,10 @@ Task<> ControlConnection::SendAhead(std::vector<std::string> lines)
 
 void ControlConnection::DropUnasked()
 {
-    Odd = Odd || !Line->Replies.empty();
-    Line->Replies.clear();
+    for (const Reply& reply : std::exchange(Line->Replies, {})) {
+        Odd = true;
+        if (Unasked) Unasked(reply);
+    }
 }
 
 Task<> ControlConnection::GiveUpAhead()
@@ -177,7 +183,7 @@ Task<Reply> ControlConnection::Say(std::string line)
 Task<Reply> ControlConnection::Expect(std::string line)
 {
     Reply reply = co_await Say(std::move(line));
-    if (reply.KindOf() >= Reply::TryLater) throw RefusalOf(reply);
+    if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
     co_return reply;
 }
 
@@ -215,6 +221,11 @@ const Reply& ControlConnection::Last() const
     return Line->Last;
 }
 
+std::size_t ControlConnection::Heard() const
+{
+    return Line->Heard;
+}
+
 void ControlConnection::Close()
 {
     RemoveListeners();
@@ -242,7 +253,10 @@ void RequireSendable(const std::string& text)
 
 Failure RefusalOf(const Reply& reply)
 {
-    return {Failure::Refused, reply.Code, reply.Text()};
+    std::string text = reply.Text();
+    if (reply.Code == AccountWanted) text = "The server wants an account name, which Tolvane cannot give: " + text;
+    if (text.find_first_not_of(" \n") == std::string::npos) text = "The server gives no reason.";
+    return {Failure::Refused, reply.Code, std::move(text)};
 }
 
 }  // namespace Ftp

@@ -26,8 +26,8 @@ public:
     ControlConnection(std::shared_ptr<Wire> wire, Network& network, Intent& intent, Clock& clock, Milliseconds limit);
     ~ControlConnection();
 
-    /// Sends one command line. Replies that came unasked before it are dropped. Throws Failure of the kind Request,
-    /// before anything is sent, when the line holds a control character.
+    /// Sends one command line. Replies that came unasked before it are told and dropped. Throws Failure of the kind
+    /// Request, before anything is sent, when the line holds a control character.
     Task<> Send(std::string line);
 
     /// Sends command lines in one go that Say, Expect and Send are about to be called with, in this order. They then
@@ -60,7 +60,7 @@ public:
     /// Sends a command and returns its final reply, good or bad.
     Task<Reply> Say(std::string line);
 
-    /// The same, but a bad reply (4xx or 5xx) is thrown as Failure of the kind Refused.
+    /// The same, but any other than a good one (2xx) is thrown as Failure of the kind Refused.
     Task<Reply> Expect(std::string line);
 
     /// Something has come that nobody asked for, be it part of a line.
@@ -74,6 +74,9 @@ public:
     /// Called when a command line has been handed to the system; nothing when empty.
     void SetSendListener(std::function<void()> listener) { Sent = std::move(listener); }
 
+    /// Called for each reply that came unasked and is dropped; nothing when empty.
+    void SetUnaskedListener(std::function<void(const Reply&)> listener) { Unasked = std::move(listener); }
+
     void SetLimit(Milliseconds limit) { Limit = limit; }
 
     /// False once the server has closed the connection, or has said 421.
@@ -83,6 +86,9 @@ public:
 
     /// The reply that came last; Code 0 when none has.
     const Reply& Last() const;
+
+    /// How many replies have come so far.
+    std::size_t Heard() const;
 
     /// Closes the connection at once.
     void Close();
@@ -101,6 +107,7 @@ private:
     Clock& Time;
     Milliseconds Limit;
     std::function<void()> Sent;
+    std::function<void(const Reply&)> Unasked;
 
     std::deque<std::string> Ahead;  ///< lines sent ahead that were not asked for yet
     std::size_t Owed = 0;           ///< those of them whose replies were not heard yet

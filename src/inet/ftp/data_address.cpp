@@ -100,6 +100,20 @@ std::optional<std::uint64_t> BytesIn(std::string_view text)
     return same ? figure : std::nullopt;
 }
 
+bool IsWordByte(char c)
+{
+    return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// What stands in front of the last quote that ends a word; for servers that do not double the quotes inside.
+std::optional<std::string> ToLastQuote(std::string_view text)
+{
+    for (std::size_t at = text.rfind('"'); at != std::string_view::npos && at > 0; at = text.rfind('"', at - 1)) {
+        if (at + 1 == text.size() || text[at + 1] == ' ') return std::string(text.substr(0, at));
+    }
+    return std::nullopt;
+}
+
 /// What stands in front of the closing quote, doubled quotes undone; nothing when that is nothing.
 std::optional<std::string> Unquoted(std::string_view text)
 {
@@ -107,7 +121,12 @@ std::optional<std::string> Unquoted(std::string_view text)
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') {
             const bool isDoubled = at + 1 < text.size() && text[at + 1] == '"';
-            if (!isDoubled) return path.empty() ? std::nullopt : std::optional(path);
+            if (!isDoubled) {
+                // A word that goes on behind the quote says that it was one of the name's own.
+                const bool goesOn = at + 1 < text.size() && IsWordByte(text[at + 1]);
+                if (auto whole = goesOn ? ToLastQuote(text) : std::nullopt) return whole;
+                return path.empty() ? std::nullopt : std::optional(path);
+            }
             ++at;
         }
         path += text[at];

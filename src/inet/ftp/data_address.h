@@ -18,8 +18,9 @@ namespace Ftp {
 /// Whatever stands in the address fields is ignored. Never 0.
 [[nodiscard]] std::optional<int> ExtendedPort(const Reply& reply);
 
-/// The folder in a 257 (RFC 959 Appendix II): the first quoted string, doubled quotes undone. Nothing when there is
-/// none, when it is not closed, or when it is empty.
+/// The folder in a 257 (RFC 959 Appendix II): the first quoted string, doubled quotes undone; where a quote was clearly
+/// not doubled, everything up to the last one in front of a blank or the end. Nothing when there is none, when it is
+/// not closed, or when it is empty.
 [[nodiscard]] std::optional<std::string> QuotedPath(const Reply& reply);
 
 /// The first "(n bytes)" of a 150. A hint from the server, never more.

@@ -18,6 +18,9 @@ public:
     /// The user wants the command to end: whatever is waited for is given up.
     void Cancel();
 
+    /// The wait that took too long was not the command's own: it goes on.
+    void ForgiveTimeOut() { TimedOut = false; }
+
     /// The command has ended. A wish that comes before a command's first step counts for that command.
     void Reset();
 

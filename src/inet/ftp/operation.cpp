@@ -202,4 +202,20 @@ std::optional<Operation> ParseOperation(std::string_view text)
     return std::nullopt;
 }
 
+std::string NamesSent(const Operation& operation)
+{
+    return std::visit(
+        [](const auto& one) -> std::string {
+            if constexpr (requires { one.Remote; })
+                return one.Remote;
+            else if constexpr (requires { one.From; })
+                return one.From + one.To;
+            else if constexpr (requires { one.Name; })
+                return one.Name;
+            else
+                return {};
+        },
+        operation);
+}
+
 }  // namespace Ftp

@@ -69,4 +69,7 @@ using Operation = std::variant<ListNames, ListFull, ChangeFolder, FolderUp, Rece
 /// to read the text. Names are bytes, never empty, and may still hold bytes that must not go on the wire.
 [[nodiscard]] std::optional<Operation> ParseOperation(std::string_view text);
 
+/// The names that an operation sends to the server, in one text; empty when there is none.
+[[nodiscard]] std::string NamesSent(const Operation& operation);
+
 }  // namespace Ftp

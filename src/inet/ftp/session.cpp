@@ -30,7 +30,7 @@ enum States {
 
 bool IsBad(const Reply& reply)
 {
-    return reply.KindOf() >= Reply::TryLater;
+    return reply.KindOf() != Reply::Done;
 }
 
 bool IsReachableByIpv4(const Endpoint& peer)
@@ -52,12 +52,6 @@ bool MeansSecureOnly(const Failure& failure)
     return false;
 }
 
-Failure AccountFailure(const Reply& reply)
-{
-    return {Failure::Refused, reply.Code,
-            "The server wants an account name, which Tolvane cannot give: " + reply.Text()};
-}
-
 std::string MoveLine(const std::string& name)
 {
     return name.empty() ? "CDUP" : "CWD " + name;
@@ -68,6 +62,10 @@ std::string MoveLine(const std::string& name)
 Session::Session(Network& network, Clock& clock, Observer observer)
     : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask)
 {
+    // A server may repeat the password in any text that is told.
+    Tell.Remark = [this, tell = std::move(Tell.Remark)](const std::string& line) {
+        tell(Without(Where.Password, line));
+    };
 }
 
 Session::~Session() = default;
@@ -97,6 +95,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
 {
     Unfinished = false;
     Proof.reset();
+    Decided.reset();
     Outcome outcome;
     std::optional<Failure> failure;
     try {
@@ -108,6 +107,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     }
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
+    LastUse = Time.Now();
     if (failure) {
         co_await GetInStep();
         if (Where.Safety == Protection::None && MeansSecureOnly(*failure)) Tell.Remark(SecureOnlyHint);
@@ -120,8 +120,9 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     outcome.Good = true;
     outcome.Transferred = Proof;
     if (Control) {
-        outcome.Code = Control->Last().Code;
-        outcome.Text = Without(Where.Password, Control->Last().Text());
+        const Reply& last = Decided ? *Decided : Control->Last();
+        outcome.Code = last.Code;
+        outcome.Text = Without(Where.Password, last.Text());
     }
     co_return outcome;
 }
@@ -147,17 +148,22 @@ Task<> Session::GetInStep()
     Why.Reset();
 }
 
-// A server that cannot cope with lines sent ahead gets them one at a time, on a new connection.
+// A server may close an idle connection just as the next command is on its way to it: that command is given once more,
+// on a new connection, where nobody can have carried it out already. And a server that cannot cope with lines sent
+// ahead gets them one at a time, on a new connection as well.
 Task<std::string> Session::Run(Operation operation)
 {
+    if (std::holds_alternative<Close>(operation)) co_return co_await Do(Close{});
+    Reused = false;
     try {
         Operation copy = operation;
         co_return co_await RunOnce(std::move(copy));
-    } catch (const Failure&) {
+    } catch (const Failure& failure) {
+        const bool closed = Reused && MayTryAnew(failure, operation);
         const bool blamed = Control && Control->MayBlameAhead() && !OneAtATime && !Why.IsCancelled();
-        if (!blamed) throw;
+        if (!closed && !blamed) throw;
+        if (!closed) OneAtATime = true;
     }
-    OneAtATime = true;
     Why.ForgiveTimeOut();
     CloseConnection();
     co_return co_await RunOnce(std::move(operation));
@@ -165,23 +171,55 @@ Task<std::string> Session::Run(Operation operation)
 
 Task<std::string> Session::RunOnce(Operation operation)
 {
-    if (!std::holds_alternative<Close>(operation)) {
-        if (!Control || !Control->IsAlive()) {
-            CloseConnection();
-            std::vector<std::string> ahead = LinesBefore(operation);
-            co_await Connect(std::move(ahead));
-        }
-        Begin();
+    Reused = co_await IsStillThere();
+    if (!Reused) {
+        CloseConnection();
+        std::vector<std::string> ahead = LinesBefore(operation);
+        co_await Connect(std::move(ahead));
     }
+    Begin();
+    HeardBefore = Control->Heard();
+    co_await SpeakUtf8For(NamesSent(operation));
     std::string asked = co_await std::visit([this](auto& one) { return Do(std::move(one)); }, operation);
-    if (!std::holds_alternative<Close>(operation)) Tell.State(ResponseReceived);
+    Tell.State(ResponseReceived);
     co_return asked;
+}
+
+// What is silent for long may have been forgotten by something on the way, and then swallows every command: so it is
+// asked first, and not waited for as long as a command would be.
+Task<bool> Session::IsStillThere()
+{
+    constexpr Milliseconds LongIdle = std::chrono::seconds(60);
+    constexpr Milliseconds ShortWait = std::chrono::seconds(5);
+    if (!Control || !Control->IsAlive()) co_return false;
+    if (Time.Now() - LastUse < LongIdle) co_return true;
+    Control->SetLimit(std::min(ShortWait, How.Limit));
+    try {
+        const Reply reply = co_await Control->Say("NOOP");
+        co_return Control->IsAlive() && reply.Code != NotLoggedIn;
+    } catch (const Failure&) {
+        if (Why.IsCancelled()) throw;
+        Why.ForgiveTimeOut();
+    }
+    co_return false;
+}
+
+bool Session::MayTryAnew(const Failure& failure, const Operation& operation) const
+{
+    if (!Control || Why.IsInterrupted()) return false;
+    const std::size_t answers = Control->Heard() - HeardBefore;
+    if (failure.Kind == Failure::Refused) return failure.Code == ServiceClosing && answers == 1;
+    const bool mayHaveBeenDone = std::holds_alternative<Delete>(operation) ||
+                                 std::holds_alternative<MakeFolder>(operation) ||
+                                 std::holds_alternative<RemoveFolder>(operation);
+    return failure.Kind == Failure::Connection && answers == 0 && !mayHaveBeenDone;
 }
 
 Task<std::string> Session::RunFetch(std::string path, std::filesystem::path file)
 {
     co_await Connect({});
     Begin();
+    co_await SpeakUtf8For(path);
     co_await SetType('I');
     MemorySink memory(std::size_t{2} * 1024 * 1024 * 1024);
     FileSink stored(file);
@@ -256,6 +294,9 @@ Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string
 {
     wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
+    Control->SetUnaskedListener([this](const Reply& reply) {
+        Tell.Remark("The server said unasked: " + std::to_string(reply.Code) + ' ' + reply.Text());
+    });
     Can = {};
     Type = 'A';
     try {
@@ -305,8 +346,7 @@ Task<> Session::LogIn(std::vector<std::string> ahead)
         co_await SendAhead(std::move(ahead));
         reply = co_await Control->Say(std::move(password));
     }
-    if (reply.Code == AccountWanted) throw AccountFailure(reply);
-    if (reply.KindOf() != Reply::Done) throw RefusalOf(reply);
+    if (IsBad(reply)) throw RefusalOf(reply);
     co_await Safe.AfterLogIn(*Control);
 }
 
@@ -316,11 +356,13 @@ Task<> Session::EnterFolders()
 {
     std::vector<std::string> moves;
     moves.swap(Moves);
+    co_await SpeakUtf8For(Where.Path);
     if (!Where.Path.empty()) {
         std::string command = "CWD " + Where.Path;
         (void)co_await Control->Expect(std::move(command));
     }
     for (const std::string& name : moves) {
+        co_await SpeakUtf8For(name);
         std::string command = MoveLine(name);
         (void)co_await Control->Expect(std::move(command));
     }
@@ -415,6 +457,9 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
 
 Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds limit)
 {
+    // Nobody would find data there, but a greeting.
+    if (port == Control->Peer().port())
+        throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data but its own."};
     std::shared_ptr<Wire> wire = Net.NewWire();
     Guard guard(Why, Time, *wire, limit);
     try {

@@ -65,7 +65,9 @@ struct Observer {
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
 ///
 /// A refusal leaves the session as it was. Anything else that goes wrong closes the connection, and the next operation
-/// connects anew, into the same working folder. One operation at a time; transfer thread only.
+/// connects anew, into the same working folder; so does one that finds the connection closed by the server since the
+/// last. Names are bytes; a server that can is asked to speak UTF-8 once a name needs it. One operation at a time;
+/// transfer thread only.
 class Session {
 public:
     Session(Network& network, Clock& clock, Observer observer);
@@ -99,12 +101,15 @@ private:
         bool ExtendedPassive = true;  ///< EPSV has not been refused yet
         bool PassiveWorked = false;   ///< a data connection to a port of the server has been made
         bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
+        bool Utf8Asked = false;       ///< the server has been asked to speak UTF-8, or cannot
         bool Size = true;             ///< SIZE has not been called unknown yet
         bool SizeWorked = false;      ///< SIZE has been answered with a figure
     };
 
     // Connecting
     Task<> Connect(std::vector<std::string> ahead);
+    Task<bool> IsStillThere();
+    bool MayTryAnew(const Failure& failure, const Operation& operation) const;
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
     Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead);
     Task<> LogIn(std::vector<std::string> ahead);
@@ -132,6 +137,11 @@ private:
     Task<std::string> Do(Size operation);
     Task<std::string> Do(WorkingFolder);
     Task<std::string> Do(Close);
+
+    // Encoding
+    Task<bool> SpeakUtf8();
+    Task<> SpeakUtf8For(std::string name);
+    Task<std::string> ListInUtf8(std::string command);
 
     // Lines that can be sent before the ones ahead of them are answered
     std::vector<std::string> LinesBefore(const Operation& operation) const;
@@ -181,7 +191,11 @@ private:
     bool Unfinished = false;            ///< a transfer is under way: its replies are still owed
     bool OneAtATime = false;            ///< what was sent ahead to this server has done harm once
     std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
+    bool Reused = false;                ///< the running command goes over a connection that was there before
+    std::size_t HeardBefore = 0;        ///< replies on it before that command
+    std::optional<Reply> Decided;       ///< the reply that counts, where another one came after it
     Capabilities Can;
+    Milliseconds LastUse{0};         ///< when the last operation ended
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
     std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up
     std::string LastListing;         ///< the reply of the last LIST

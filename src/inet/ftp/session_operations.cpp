@@ -16,12 +16,13 @@ constexpr std::uint64_t SizeAskedFrom = 64 * 1024;
 constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2
 constexpr int NotLoggedIn = 530;     // the same
 constexpr Milliseconds GoodbyeLimit = std::chrono::seconds(2);
+constexpr int GoOn = 350;  // RFC 959, 4.2.2
 constexpr int Disconnecting = 9;
 constexpr int Disconnected = 10;
 
 bool IsBad(const Reply& reply)
 {
-    return reply.KindOf() >= Reply::TryLater;
+    return reply.KindOf() != Reply::Done;
 }
 
 /// Some servers answer the listing of an empty folder with a refusal.
@@ -91,12 +92,12 @@ private:
 
 Task<std::string> Session::Do(ListNames)
 {
-    co_return co_await List("NLST");
+    co_return co_await ListInUtf8("NLST");
 }
 
 Task<std::string> Session::Do(ListFull)
 {
-    LastListing = co_await List("LIST");
+    LastListing = co_await ListInUtf8("LIST");
     co_return LastListing;
 }
 
@@ -289,7 +290,7 @@ Task<std::string> Session::Do(Rename operation)
     RequireSendable(operation.To);
     std::string accepted;
     const Reply reply = co_await SayWithName("RNFR ", std::move(operation.From), &accepted);
-    if (IsBad(reply)) throw RefusalOf(reply);
+    if (IsBad(reply) && reply.Code != GoOn) throw RefusalOf(reply);
     std::string command = "RNTO " + operation.To;
     (void)co_await Control->Expect(std::move(command));
     co_return std::string();
@@ -362,7 +363,7 @@ Task<Reply> Session::SayWithName(std::string command, std::string text, std::str
     TellSecondTry(*name);
     std::string again = command + *name;
     const Reply second = co_await Control->Say(std::move(again));
-    if (IsBad(second)) co_return refusal;
+    if (IsBad(second) && second.Code != GoOn) co_return refusal;
     Can.LinesAsNames = false;
     *accepted = *name;
     co_return second;

@@ -67,7 +67,7 @@ void Transfer::Note(const Reply& reply)
     }
     if (Final.Code != 0) return;
     Final = reply;
-    Refused = reply.KindOf() >= Reply::TryLater;
+    Refused = reply.KindOf() != Reply::Done;
     if (Refused) Data->Abort();
     if (Lingering) EndLingerSoon();
 }
@@ -81,13 +81,13 @@ void Transfer::NoteEnd()
 // The server agrees with a preliminary reply, or by an early final one.
 Task<> Transfer::WaitForConsent()
 {
-    while (First.Code == 0 && Final.Code == 0) (void)co_await Control.Hear();
+    while (First.Code == 0 && Final.Code == 0) co_await HearOne();
 }
 
 // It agrees as well by sending, so there is no need to wait for its word before the data.
 Task<Reply> Transfer::Receive(Sink& sink)
 {
-    if (Refused) co_return Final;
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Drain(sink);
     co_return co_await Finish(std::move(moving));
 }
@@ -95,7 +95,7 @@ Task<Reply> Transfer::Receive(Sink& sink)
 Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path, bool eager)
 {
     if (!eager) co_await WaitForConsent();
-    if (Refused) co_return Final;
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
 }
@@ -119,8 +119,15 @@ Task<Reply> Transfer::Finish(Task<> moving)
 
 Task<Reply> Transfer::HearEnd()
 {
-    while (Final.Code == 0) (void)co_await Control.Hear();
+    while (!Heard) co_await HearOne();
     co_return Final;
+}
+
+// What is owed is taken off the control connection, so that only what was never asked for is left there.
+Task<> Transfer::HearOne()
+{
+    const Reply reply = co_await Control.Hear();
+    if (reply.KindOf() != Reply::Preliminary) Heard = true;
 }
 
 Task<> Transfer::Drain(Sink& sink)

@@ -62,6 +62,7 @@ private:
     Task<> PourByBuffer(ReadFile& file, const std::filesystem::path& path);
     Task<Reply> Finish(Task<> moving);
     Task<Reply> HearEnd();
+    Task<> HearOne();
     void Note(const Reply& reply);
     void NoteEnd();
 
@@ -70,7 +71,8 @@ private:
     std::shared_ptr<Wire> Data;
     Reply First;
     Reply Final;                               ///< Code 0 until it has come
-    bool Refused = false;                      ///< the server has ended the transfer with a 4xx or 5xx
+    bool Heard = false;                        ///< the final one has been taken off the control connection
+    bool Refused = false;                      ///< the server has ended the transfer otherwise than well
     bool Begun = false;                        ///< data has begun to come
     bool Lingering = false;                    ///< everything is sent, the server's end is still to come
     std::unique_ptr<Clock::Alarm> LingerEnds;  ///< for a server that never ends what it has confirmed
