@@ -45,7 +45,7 @@ int main(int count, char** words)
     Surroundings around;
     around.ProgramFolder = ProgramFolder();
     around.MakeInet = [] { return std::make_unique<TransferComponent>(); };
-    around.Beep = &Beep;
+    around.Beep = [] { Beep(); };
     SoundPlayer sounds;
     around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };
     around.OpenTextEditor = &OpenTextEditor;

@@ -1,6 +1,7 @@
 #include "inet/ftp/transfer.h"
 
 #include "inet/ftp/failure.h"
+#include "platform/error_text.h"
 #include "platform/pump.h"
 
 #include <array>
@@ -43,7 +44,7 @@ Task<> WatchForData(std::shared_ptr<Wire> data, std::shared_ptr<FirstByte> first
 [[noreturn]] void ThrowLost(const PumpResult& moved)
 {
     throw Failure{Failure::Connection, ResetError,
-                  "The data connection was lost (" + std::generic_category().message(moved.Error) + ")."};
+                  "The data connection was lost (" + SystemErrorText(moved.Error) + ")."};
 }
 
 }  // namespace
@@ -101,7 +102,7 @@ Task<Reply> Transfer::Receive(Sink& sink)
     co_return co_await Finish(std::move(moving));
 }
 
-Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path)
+Task<Reply> Transfer::Send(SourceFile& file, const std::filesystem::path& path)
 {
     const bool started = co_await WaitForStart(false);
     if (!started) co_return Final;
@@ -179,7 +180,7 @@ Task<> Transfer::DrainByBuffer(Sink& sink)
     }
 }
 
-Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::Pour(SourceFile& file, const std::filesystem::path& path)
 {
     if (Data->NativeSocket() >= 0)
         co_await PourByPump(file, path);
@@ -188,7 +189,7 @@ Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
     co_await Data->SendEnd();
 }
 
-Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::PourByPump(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     FileToSocket pump(file.Descriptor(), Data->NativeSocket());
@@ -214,7 +215,7 @@ Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
     }
 }
 
-Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::PourByBuffer(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     std::vector<char> buffer(BufferSize);

@@ -32,7 +32,7 @@ public:
     Task<Reply> Receive(Sink& sink);
 
     /// Sends the file. The same for the final reply.
-    Task<Reply> Send(ReadFile& file, const std::filesystem::path& path);
+    Task<Reply> Send(SourceFile& file, const std::filesystem::path& path);
 
     std::uint64_t Bytes() const { return Count; }
 
@@ -44,9 +44,9 @@ private:
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
-    Task<> Pour(ReadFile& file, const std::filesystem::path& path);
-    Task<> PourByPump(ReadFile& file, const std::filesystem::path& path);
-    Task<> PourByBuffer(ReadFile& file, const std::filesystem::path& path);
+    Task<> Pour(SourceFile& file, const std::filesystem::path& path);
+    Task<> PourByPump(SourceFile& file, const std::filesystem::path& path);
+    Task<> PourByBuffer(SourceFile& file, const std::filesystem::path& path);
     Task<Reply> Finish(Task<> moving);
     Task<Reply> HearEnd();
     void Note(const Reply& reply);
