@@ -13,6 +13,9 @@
 
 #include <QApplication>
 #include <QSessionManager>
+#ifdef Q_OS_WIN
+#include "app/windows_start.h"
+#endif
 #include <cstdlib>
 
 namespace {
@@ -32,7 +35,13 @@ bool ChooseLanguage(Language& texts, SettingsStore& settings, ErrorRecord& error
 
 int main(int count, char** words)
 {
+#ifdef Q_OS_WIN
+    PrepareForWindows();
+#endif
     QApplication program(count, words);
+#ifdef Q_OS_WIN
+    const WindowsStyle style(program);
+#endif
     QApplication::setApplicationName("Tolvane");
     QApplication::setQuitOnLastWindowClosed(false);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <io.h>
-#include <windows.h>
 #include <winsock2.h>
 
 namespace {
