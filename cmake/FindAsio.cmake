@@ -12,6 +12,8 @@ if(Asio_FOUND AND NOT TARGET Asio::Asio)
   endif()
   target_link_libraries(Asio::Asio INTERFACE Threads::Threads)
   if(WIN32)
+    # It brings the system's headers along: nothing of theirs for drawing, which takes names like Escape.
+    target_compile_definitions(Asio::Asio INTERFACE NOGDI)
     target_link_libraries(Asio::Asio INTERFACE ws2_32 mswsock)
   endif()
 endif()

@@ -1,5 +1,5 @@
 ; The installer: per user, without administrator's rights, so that the program can keep its files in its own folder.
-; Takes VERSION, TREE (the folder to install), TOP (the checkout) and OUT.
+; Takes VERSION, TREE (the folder to install), REMOVE (the lines that take it away), TOP (the checkout) and OUT.
 Unicode true
 SetCompressor /SOLID lzma
 !include MUI2.nsh
@@ -77,14 +77,7 @@ SectionEnd
 ; What the user has made stays: the site book, the log, received files.
 Section Uninstall
   !insertmacro WAIT_FOR_END
-  RMDir /r "$INSTDIR\plugins"
-  RMDir /r "$INSTDIR\translations"
-  RMDir /r "$INSTDIR\licences"
-  Delete "$INSTDIR\*.dll"
-  Delete "$INSTDIR\tolvane.exe"
-  Delete "$INSTDIR\qt.conf"
-  Delete "$INSTDIR\Alarm.WAV"
-  Delete "$INSTDIR\help.txt"
+  !include "${REMOVE}"
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR\Temp"
   RMDir "$INSTDIR"

@@ -63,8 +63,7 @@ void RealServer::StartKeeper(const QString& kind)
     auto desk = std::make_unique<QTcpSocket>();
     desk->connectToHost(QStringLiteral("127.0.0.1"), qEnvironmentVariable("TOLVANE_SERVER_DESK").toUShort());
     if (!desk->waitForConnected(StartLimit)) Trouble = QStringLiteral("Nobody starts servers: ") + desk->errorString();
-    // There the folder has no drive.
-    desk->write((kind + u' ' + Address + u' ' + Files.path().section(u':', 1) + u'\n').toUtf8());
+    desk->write((kind + u' ' + Address + u' ' + Files.path() + u'\n').toUtf8());
     Keeper = std::move(desk);
 }
 

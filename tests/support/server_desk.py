@@ -3,9 +3,10 @@
 
     server_desk.py            prints its loopback port on one line and serves until its input ends
 
-Who wants a server connects and writes one line, KIND ADDRESS FOLDER; from then on the connection is the input and the
+Who wants a server connects and writes one line, KIND ADDRESS FOLDER, the folder as Wine names it; from then on the connection is the input and the
 output of a real_server.py, which ends with it.
 """
+import os
 import pathlib
 import socket
 import subprocess
@@ -13,6 +14,11 @@ import sys
 import threading
 
 KEEPER = pathlib.Path(__file__).resolve().with_name("real_server.py")
+
+
+def unix_path(folder):
+    """Wine keeps its drives as links in a folder of its own."""
+    return pathlib.Path(os.environ["WINEPREFIX"], "dosdevices", folder[:2].lower(), folder[3:])
 
 
 def serve(client):
@@ -24,7 +30,7 @@ def serve(client):
                 return
             line += byte
         kind, address, folder = line.decode().rstrip("\n").split(" ", 2)
-        subprocess.run([sys.executable, KEEPER, kind, "--address", address, "--folder", folder],
+        subprocess.run([sys.executable, KEEPER, kind, "--address", address, "--folder", unix_path(folder)],
                        stdin=client, stdout=client, check=False)
 
 
