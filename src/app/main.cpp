@@ -17,6 +17,9 @@
 
 #include <QApplication>
 #include <QSessionManager>
+#ifdef Q_OS_WIN
+#include "app/windows_start.h"
+#endif
 #include <cstdlib>
 
 namespace {
@@ -42,7 +45,13 @@ QString MessageAddress()
 
 int main(int count, char** words)
 {
+#ifdef Q_OS_WIN
+    PrepareForWindows();
+#endif
     QApplication program(count, words);
+#ifdef Q_OS_WIN
+    const WindowsStyle style(program);
+#endif
     QApplication::setApplicationName("Tolvane");
     QApplication::setQuitOnLastWindowClosed(false);
 
@@ -55,7 +64,7 @@ int main(int count, char** words)
     Surroundings around;
     around.ProgramFolder = ProgramFolder();
     around.MakeInet = [] { return std::make_unique<TransferComponent>(); };
-    around.Beep = &Beep;
+    around.Beep = [] { Beep(); };
     SoundPlayer sounds;
     around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };
     around.OpenTextEditor = &OpenTextEditor;

@@ -5,15 +5,16 @@
 #include <filesystem>
 #include <string>
 
-/// Files of this machine as a transfer needs them. Failures are thrown as std::system_error. One thread at a time.
+/// Files of this machine as a transfer needs them. Failures are thrown as std::system_error with the system's number
+/// (see error_text.h). One thread at a time.
 
 /// A file that is being read.
-class ReadFile {
+class SourceFile {
 public:
-    explicit ReadFile(const std::filesystem::path& path);
-    ~ReadFile();
-    ReadFile(const ReadFile&) = delete;
-    ReadFile& operator=(const ReadFile&) = delete;
+    explicit SourceFile(const std::filesystem::path& path);
+    ~SourceFile();
+    SourceFile(const SourceFile&) = delete;
+    SourceFile& operator=(const SourceFile&) = delete;
 
     /// Up to `size` further bytes; 0 at the end.
     std::size_t Read(char* buffer, std::size_t size);

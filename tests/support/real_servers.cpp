@@ -1,13 +1,19 @@
 #include "support/real_servers.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#ifdef Q_OS_WIN
+#include <QTcpSocket>
+#else
+#include <QProcess>
+#endif
 
 namespace {
 
 constexpr int StartLimit = 60'000;  // milliseconds; the keeper gives up sooner
+
+#ifndef Q_OS_WIN
 constexpr int FetchLimit = 300'000;
 
 const QString Checkout = QStringLiteral(TOLVANE_SOURCE_FOLDER);
@@ -20,6 +26,7 @@ QString FetchServers()
     if (!fetch.waitForFinished(FetchLimit)) return QStringLiteral("tools/fetch-servers does not end.");
     return fetch.exitCode() == 0 ? QString() : QString::fromLocal8Bit(fetch.readAllStandardError());
 }
+#endif
 
 }  // namespace
 
@@ -40,11 +47,8 @@ QString RealServer::NameOf(Kind kind)
 
 RealServer::RealServer(Kind kind, const QString& address) : Address(address)
 {
-    Trouble = FetchServers();
+    StartKeeper(NameOf(kind));
     if (!Trouble.isEmpty()) return;
-    Keeper.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    Keeper.start(Checkout + QStringLiteral("/tests/support/real_server.py"),
-                 {NameOf(kind), QStringLiteral("--address"), address, QStringLiteral("--folder"), Files.path()});
     const QJsonObject told = QJsonDocument::fromJson(ReadLine()).object();
     PortNumber = told.value(QStringLiteral("port")).toInt();
     UserName = told.value(QStringLiteral("user")).toString();
@@ -52,12 +56,41 @@ RealServer::RealServer(Kind kind, const QString& address) : Address(address)
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
 }
 
+#ifdef Q_OS_WIN
+
+void RealServer::StartKeeper(const QString& kind)
+{
+    auto desk = std::make_unique<QTcpSocket>();
+    desk->connectToHost(QStringLiteral("127.0.0.1"), qEnvironmentVariable("TOLVANE_SERVER_DESK").toUShort());
+    if (!desk->waitForConnected(StartLimit)) Trouble = QStringLiteral("Nobody starts servers: ") + desk->errorString();
+    desk->write((kind + u' ' + Address + u' ' + Files.path() + u'\n').toUtf8());
+    Keeper = std::move(desk);
+}
+
+RealServer::~RealServer() = default;
+
+#else
+
+void RealServer::StartKeeper(const QString& kind)
+{
+    Trouble = FetchServers();
+    if (!Trouble.isEmpty()) return;
+    auto process = std::make_unique<QProcess>();
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process->start(Checkout + QStringLiteral("/tests/support/real_server.py"),
+                   {kind, QStringLiteral("--address"), Address, QStringLiteral("--folder"), Files.path()});
+    Keeper = std::move(process);
+}
+
 RealServer::~RealServer()
 {
-    if (Keeper.state() == QProcess::NotRunning) return;
-    Keeper.closeWriteChannel();
-    Keeper.waitForFinished(StartLimit);
+    auto* process = static_cast<QProcess*>(Keeper.get());
+    if (process == nullptr || process->state() == QProcess::NotRunning) return;
+    process->closeWriteChannel();
+    process->waitForFinished(StartLimit);
 }
+
+#endif
 
 QString RealServer::Url() const
 {
@@ -67,15 +100,15 @@ QString RealServer::Url() const
 
 void RealServer::Kill()
 {
-    Keeper.write("kill\n");
+    Keeper->write("kill\n");
     if (ReadLine() != "killed\n") Trouble = QStringLiteral("The server could not be killed.");
 }
 
 QByteArray RealServer::ReadLine()
 {
     const QDeadlineTimer limit(StartLimit);
-    while (!Keeper.canReadLine() && !limit.hasExpired() && Keeper.state() != QProcess::NotRunning) {
-        Keeper.waitForReadyRead(static_cast<int>(limit.remainingTime()));
+    while (!Keeper->canReadLine() && !limit.hasExpired()) {
+        if (!Keeper->waitForReadyRead(static_cast<int>(limit.remainingTime()))) break;
     }
-    return Keeper.readLine();
+    return Keeper->readLine();
 }

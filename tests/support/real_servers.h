@@ -1,14 +1,16 @@
 #pragma once
 
-#include <QProcess>
+#include <QIODevice>
 #include <QString>
 #include <QTemporaryDir>
+#include <memory>
 
 /// One real FTP server on a free loopback port, with a folder of its own that goes away with it. It accepts
 /// connections when the constructor returns; nothing of it is left running, even when the test crashes.
 ///
 /// The servers are those of tools/fetch-servers, which is asked to fetch them when they are not there; how each is
-/// set up, and what it needs as root or as an ordinary user, is told in real_server.py.
+/// set up, and what it needs as root or as an ordinary user, is told in real_server.py. A test that runs as a program
+/// for Windows has them started by the server_desk.py whose port is in TOLVANE_SERVER_DESK.
 class RealServer {
 public:
     enum Kind { Vsftpd, ProFtpd, PureFtpd, Pyftpdlib };
@@ -41,11 +43,12 @@ public:
     void Kill();
 
 private:
+    void StartKeeper(const QString& kind);
     QByteArray ReadLine();
 
     QString Address;
     QTemporaryDir Files;
-    QProcess Keeper;
+    std::unique_ptr<QIODevice> Keeper;  ///< who keeps the server alive as long as it is open
     int PortNumber = 0;
     QString UserName;
     QString Word;

@@ -4,10 +4,12 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
+#ifndef Q_OS_WIN
+#include <QProcess>
 #include <csignal>
+#endif
 
 /// How the program ends: the real one when the system tells it to, and the window with real components while a server
 /// keeps it waiting.
@@ -15,15 +17,19 @@ class EndOfProgramTest : public QObject {
     Q_OBJECT
 
 private slots:
+#ifndef Q_OS_WIN
     void ARequestOfTheSystemEndsTheProgram_data();
     void ARequestOfTheSystemEndsTheProgram();
     void ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage();
+#endif
     void AServerThatSaysNothingHoldsNobodyUp();
     void AServerThatStopsHalfWayHoldsNobodyUp();
     void AHangUpThatWaitsForASilentServerHoldsNobodyUp();
 
 private:
+#ifndef Q_OS_WIN
     static void Start(QProcess& program, const QString& home);
+#endif
     static void Connect(WindowFixture& program, quint16 port);
     static void CloseAndMeasure(WindowFixture& program);
 };
@@ -35,6 +41,7 @@ constexpr int Limit = 20'000;
 
 }  // namespace
 
+#ifndef Q_OS_WIN
 void EndOfProgramTest::Start(QProcess& program, const QString& home)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -98,6 +105,7 @@ void EndOfProgramTest::ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage(
     QVERIFY(!QFile::exists(home.path() + "/Temp"));
     QCOMPARE(SettingsStore(file).Read("Language", "(absent)"), QString("(absent)"));
 }
+#endif
 
 void EndOfProgramTest::Connect(WindowFixture& program, quint16 port)
 {

@@ -1,4 +1,5 @@
 #include "base/listing_name.h"
+#include "base/local_name.h"
 #include "inet/ftp/data_address.h"
 #include "inet/ftp/local_name.h"
 #include "inet/ftp/session.h"
@@ -69,7 +70,10 @@ Failure CutFailure()
 /// another one may be tried.
 class NamedFileSink final : public Sink {
 public:
-    NamedFileSink(const std::filesystem::path& folder, std::string name) : File(folder / name), Name(std::move(name)) {}
+    NamedFileSink(const std::filesystem::path& folder, std::string name)
+        : File(LocalPath(folder, name)), Name(std::move(name))
+    {
+    }
 
     void Open() override
     {
@@ -156,7 +160,7 @@ Task<std::string> Session::Do(Receive operation)
 // for by, in the local folder and nowhere else.
 std::unique_ptr<Sink> Session::SinkFor(const Receive& operation, const std::string& name) const
 {
-    if (operation.LocalGiven) return std::make_unique<FileSink>(Folder / operation.Local);
+    if (operation.LocalGiven) return std::make_unique<FileSink>(LocalPath(Folder, operation.Local));
     return std::make_unique<NamedFileSink>(Folder, name);
 }
 
@@ -253,10 +257,10 @@ Task<std::string> Session::Do(Ftp::Send operation)
 {
     if (operation.Local == operation.Remote) CheckLocalName(operation.Local);
     RequireSendable(operation.Remote);
-    const std::filesystem::path path = Folder / operation.Local;
-    std::unique_ptr<ReadFile> file;
+    const std::filesystem::path path = LocalPath(Folder, operation.Local);
+    std::unique_ptr<SourceFile> file;
     try {
-        file = std::make_unique<ReadFile>(path);
+        file = std::make_unique<SourceFile>(path);
     } catch (const std::system_error& error) {
         throw LocalFailure(path, error.code().value());
     }

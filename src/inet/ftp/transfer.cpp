@@ -1,6 +1,7 @@
 #include "inet/ftp/transfer.h"
 
 #include "inet/ftp/failure.h"
+#include "platform/error_text.h"
 #include "platform/pump.h"
 
 #include <array>
@@ -39,7 +40,7 @@ private:
 [[noreturn]] void ThrowLost(const PumpResult& moved)
 {
     throw Failure{Failure::Connection, ResetError,
-                  "The data connection was lost (" + std::generic_category().message(moved.Error) + ")."};
+                  "The data connection was lost (" + SystemErrorText(moved.Error) + ")."};
 }
 
 }  // namespace
@@ -92,7 +93,7 @@ Task<Reply> Transfer::Receive(Sink& sink)
     co_return co_await Finish(std::move(moving));
 }
 
-Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path, bool eager)
+Task<Reply> Transfer::Send(SourceFile& file, const std::filesystem::path& path, bool eager)
 {
     if (!eager) co_await WaitForConsent();
     if (Refused) co_return co_await HearEnd();
@@ -185,7 +186,7 @@ Task<> Transfer::DrainByBuffer(Sink& sink)
     }
 }
 
-Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::Pour(SourceFile& file, const std::filesystem::path& path)
 {
     if (Data->NativeSocket() >= 0)
         co_await PourByPump(file, path);
@@ -214,7 +215,7 @@ void Transfer::EndLingerSoon()
     LingerEnds = Use.Time.After(LingerLimit, [this] { Data->Abort(); });
 }
 
-Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::PourByPump(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     FileToSocket pump(file.Descriptor(), Data->NativeSocket());
@@ -240,7 +241,7 @@ Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
     }
 }
 
-Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::PourByBuffer(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     std::vector<char> buffer(BufferSize);

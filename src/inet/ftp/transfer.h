@@ -39,7 +39,7 @@ public:
     Task<Reply> Receive(Sink& sink);
 
     /// Sends the file. The same for the final reply. `eager`: the data need not wait for the server's agreement.
-    Task<Reply> Send(ReadFile& file, const std::filesystem::path& path, bool eager);
+    Task<Reply> Send(SourceFile& file, const std::filesystem::path& path, bool eager);
 
     std::uint64_t Bytes() const { return Meter.Done(); }
 
@@ -57,9 +57,9 @@ private:
     Task<> Drain(Sink& sink);
     Task<> DrainByPump(Sink& sink);
     Task<> DrainByBuffer(Sink& sink);
-    Task<> Pour(ReadFile& file, const std::filesystem::path& path);
-    Task<> PourByPump(ReadFile& file, const std::filesystem::path& path);
-    Task<> PourByBuffer(ReadFile& file, const std::filesystem::path& path);
+    Task<> Pour(SourceFile& file, const std::filesystem::path& path);
+    Task<> PourByPump(SourceFile& file, const std::filesystem::path& path);
+    Task<> PourByBuffer(SourceFile& file, const std::filesystem::path& path);
     Task<Reply> Finish(Task<> moving);
     Task<Reply> HearEnd();
     Task<> HearOne();

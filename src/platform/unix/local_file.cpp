@@ -25,7 +25,7 @@ std::string PartName()
 
 }  // namespace
 
-ReadFile::ReadFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC))
+SourceFile::SourceFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (File < 0) ThrowLastError();
 
@@ -40,12 +40,12 @@ ReadFile::ReadFile(const std::filesystem::path& path) : File(open(path.c_str(), 
     ThrowLastError();
 }
 
-ReadFile::~ReadFile()
+SourceFile::~SourceFile()
 {
     close(File);
 }
 
-std::size_t ReadFile::Read(char* buffer, std::size_t size)
+std::size_t SourceFile::Read(char* buffer, std::size_t size)
 {
     for (;;) {
         const ssize_t count = read(File, buffer, size);

@@ -87,7 +87,7 @@ void BlockPumpSignals()
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-SocketToFile::SocketToFile(int socket, int file) : Socket(socket), File(file), SystemRefuses(!SystemMoves) {}
+SocketToFile::SocketToFile(int socket, int file) : SystemRefuses(!SystemMoves), Socket(socket), File(file) {}
 
 SocketToFile::~SocketToFile()
 {
@@ -141,7 +141,7 @@ PumpResult SocketToFile::MoveByBuffer()
 }
 
 FileToSocket::FileToSocket(int file, int socket, std::int64_t offset)
-    : File(file), Socket(socket), Offset(offset), SystemRefuses(!SystemMoves)
+    : SystemRefuses(!SystemMoves), File(file), Socket(socket), Offset(offset)
 {
 }
 
