@@ -21,7 +21,7 @@ std::int64_t ReplyFile::Size() const
 QByteArray ReplyFile::Next(int size)
 {
     try {
-        if (!File) File = std::make_unique<ReadFile>(Path);
+        if (!File) File = std::make_unique<SourceFile>(Path);
         QByteArray bytes(size, Qt::Uninitialized);
         bytes.resize(static_cast<qsizetype>(File->Read(bytes.data(), static_cast<std::size_t>(size))));
         return bytes;

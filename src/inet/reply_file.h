@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <memory>
 
-class ReadFile;
+class SourceFile;
 
 /// A reply that lies in a file: handed out piece by piece, and removed with this object. One thread at a time.
 class ReplyFile {
@@ -25,5 +25,5 @@ public:
 
 private:
     std::filesystem::path Path;
-    std::unique_ptr<ReadFile> File;  ///< once something has been asked for
+    std::unique_ptr<SourceFile> File;  ///< once something has been asked for
 };

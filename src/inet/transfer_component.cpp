@@ -307,7 +307,7 @@ void TransferComponent::CloseHttp(quint64 command)
     const auto close = [this, command] {
         Report(command, Disconnecting);
         Report(command, Disconnected);
-        Finish(command, Ended{true, 0, {}, {}, {}});
+        Finish(command, Ended{true, 0, {}, {}, {}, {}});
     };
     QMetaObject::invokeMethod(this, close, Qt::QueuedConnection);
 }

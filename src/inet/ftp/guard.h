@@ -32,9 +32,6 @@ public:
     /// The failure as it is reported: the user's wish comes first, then the time limit, then what the wire said.
     Failure Explain(Failure failure) const;
 
-    /// A new attempt begins: that the one before ran out of time counts no more.
-    void ForgiveTimeOut() { TimedOut = false; }
-
     /// Nothing is waited for: no alarm is left behind.
     void Rest();
 
