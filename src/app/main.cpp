@@ -1,3 +1,4 @@
+#include "app/end_at_once.h"
 #include "app/main_window.h"
 #include "app/program_values.h"
 #include "controls/desktop_drag.h"
@@ -14,7 +15,6 @@
 
 #include <QApplication>
 #include <QSessionManager>
-#include <cstdlib>
 
 namespace {
 
@@ -53,7 +53,7 @@ int main(int count, char** words)
     around.DragFiles = &DragFiles;
     around.Now = &QDateTime::currentDateTime;
     around.Quit = [] { QCoreApplication::exit(0); };
-    around.EndAtOnce = [] { std::_Exit(0); };
+    around.EndAtOnce = &EndAtOnce;
 
     MainWindow window(values, settings, texts, around);
     QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);
