@@ -3,6 +3,7 @@
 #include "platform/current_folder.h"
 #include "platform/end_requests.h"
 #include "platform/free_space.h"
+#include "platform/local_file.h"
 #include "platform/places.h"
 #include "platform/short_path.h"
 
@@ -11,7 +12,10 @@
 #include <QTest>
 #include <csignal>
 #include <fstream>
+#include <string>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <system_error>
 
 class PlatformTest : public QObject {
     Q_OBJECT
@@ -32,6 +36,7 @@ private slots:
     void AMissingFolderIsReportedAndLeavesTheCurrentOne();
     void TheFreeSpaceIsTheFileSystems();
     void TheFreeSpaceOfAMissingPathIsUnknown();
+    void APipeInAFilesPlaceIsNotWaitedFor();
     void ARequestToEndArrivesInTheEventLoop_data();
     void ARequestToEndArrivesInTheEventLoop();
     void AnIgnoredRequestStaysIgnored();
@@ -134,6 +139,14 @@ void PlatformTest::TheFreeSpaceIsTheFileSystems()
 void PlatformTest::TheFreeSpaceOfAMissingPathIsUnknown()
 {
     QVERIFY(!FreeSpaceOf(Folder->path() + "/gone").has_value());
+}
+
+void PlatformTest::APipeInAFilesPlaceIsNotWaitedFor()
+{
+    const QTemporaryDir folder;
+    const std::string pipe = folder.filePath("pipe").toStdString();
+    QCOMPARE(mkfifo(pipe.c_str(), 0600), 0);
+    QVERIFY_EXCEPTION_THROWN(ReadFile{pipe}, std::system_error);
 }
 
 void PlatformTest::ARequestToEndArrivesInTheEventLoop_data()
