@@ -1,3 +1,4 @@
+#include "app/end_at_once.h"
 #include "app/main_window.h"
 #include "app/program_values.h"
 #include "controls/desktop_drag.h"
@@ -20,7 +21,6 @@
 #ifdef Q_OS_WIN
 #include "app/windows_start.h"
 #endif
-#include <cstdlib>
 
 namespace {
 
@@ -75,7 +75,7 @@ int main(int count, char** words)
     around.MessageAddress = MessageAddress();
     around.Now = &QDateTime::currentDateTime;
     around.Quit = [] { QCoreApplication::exit(0); };
-    around.EndAtOnce = [] { std::_Exit(0); };
+    around.EndAtOnce = &EndAtOnce;
 
     MainWindow window(values, settings, texts, around);
     QObject::connect(&requests, &EndRequests::Requested, &window, &QWidget::close);

@@ -16,7 +16,7 @@ import tempfile
 import time
 
 RECORD = 372
-LONGEST_REST = 0.05  # seconds between the click and the kill
+LONGEST_REST = 0.3  # seconds between the last input of a change and the kill
 PATIENCE = 60  # seconds
 
 # Where the controls are in the window.

@@ -127,7 +127,7 @@ void LoopbackServer::SendData(const std::shared_ptr<Client>& client, const QByte
     WithData(client, [this, client, bytes](QTcpSocket* data) {
         Tell(client, "150 coming");
         data->write(DataLimit < 0 ? bytes : bytes.left(DataLimit));
-        if (DataLimit >= 0) return;
+        if (DataLimit >= 0 && bytes.size() > DataLimit) return;
         connect(data, &QTcpSocket::disconnected, client->Socket, [client] { Tell(client, "226 done"); });
         data->disconnectFromHost();
     });

@@ -137,13 +137,14 @@ public:
     Language Texts;
     int Beeps = 0;
     int Quits = 0;
-    int Ends = 0;             ///< how often the process would have been ended at once
-    QStringList Sounds;       ///< the files that were played
-    QStringList Edited;       ///< the paths that the text editor was started with
-    QList<QUrl> Dragged;      ///< the files that were dragged out of the window
-    QStringList Opened;       ///< the addresses that were handed to the browser
-    FakeDisplay Screen;       ///< the desktop's screen
-    QString EditorComplaint;  ///< when set, no editor can be started, for this reason
+    std::function<void()> End;  ///< when set, what else is done to end the process at once
+    int Ends = 0;               ///< how often the process would have been ended at once
+    QStringList Sounds;         ///< the files that were played
+    QStringList Edited;         ///< the paths that the text editor was started with
+    QList<QUrl> Dragged;        ///< the files that were dragged out of the window
+    QStringList Opened;         ///< the addresses that were handed to the browser
+    FakeDisplay Screen;         ///< the desktop's screen
+    QString EditorComplaint;    ///< when set, no editor can be started, for this reason
     QDateTime Now{QDate(2024, 3, 9), QTime(17, 5, 8)};
 
 private:
@@ -172,7 +173,10 @@ private:
         around.MessageAddress = "https://maker.test/msg.txt";
         around.Now = [this] { return Now; };
         around.Quit = [this] { ++Quits; };
-        around.EndAtOnce = [this] { ++Ends; };
+        around.EndAtOnce = [this] {
+            ++Ends;
+            if (End) End();
+        };
         return around;
     }
 

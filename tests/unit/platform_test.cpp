@@ -3,6 +3,7 @@
 #include "platform/current_folder.h"
 #include "platform/end_requests.h"
 #include "platform/free_space.h"
+#include "platform/local_file.h"
 #include "platform/places.h"
 #include "platform/short_path.h"
 
@@ -11,7 +12,10 @@
 #include <QTest>
 #include <csignal>
 #include <fstream>
+#include <string>
+#include <system_error>
 #ifndef Q_OS_WIN
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #endif
 
@@ -35,6 +39,7 @@ private slots:
     void TheFreeSpaceIsTheFileSystems();
     void TheFreeSpaceOfAMissingPathIsUnknown();
 #ifndef Q_OS_WIN
+    void APipeInAFilesPlaceIsNotWaitedFor();
     void ARequestToEndArrivesInTheEventLoop_data();
     void ARequestToEndArrivesInTheEventLoop();
     void AnIgnoredRequestStaysIgnored();
@@ -143,6 +148,14 @@ void PlatformTest::TheFreeSpaceOfAMissingPathIsUnknown()
 }
 
 #ifndef Q_OS_WIN
+void PlatformTest::APipeInAFilesPlaceIsNotWaitedFor()
+{
+    const QTemporaryDir folder;
+    const std::string pipe = folder.filePath("pipe").toStdString();
+    QCOMPARE(mkfifo(pipe.c_str(), 0600), 0);
+    QVERIFY_EXCEPTION_THROWN(SourceFile{pipe}, std::system_error);
+}
+
 void PlatformTest::ARequestToEndArrivesInTheEventLoop_data()
 {
     QTest::addColumn<int>("number");

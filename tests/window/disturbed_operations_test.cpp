@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QMessageBox>
+#include <QPushButton>
 
 /// Operations on the server that are refused, overtaken or cut short.
 class DisturbedOperationsTest : public QObject, OperationsBench {

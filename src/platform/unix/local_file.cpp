@@ -25,7 +25,8 @@ std::string PartName()
 
 }  // namespace
 
-SourceFile::SourceFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC))
+// A pipe that has taken the file's place would else be waited for.
+SourceFile::SourceFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
     if (File < 0) ThrowLastError();
 
