@@ -211,7 +211,8 @@ struct TransferComponent::Decoder {
         Ended ended{outcome.Good, outcome.Code, BytesToText(ArrayOf(outcome.Text)), {}, ArrayOf(outcome.Reply), {}};
         ended.Reply = BytesToText(ended.Bytes);
         if (outcome.Transferred)
-            ended.Transferred = Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
+            ended.Transferred =
+                Confirmation{static_cast<qint64>(outcome.Transferred->Bytes), outcome.Transferred->BySize};
         return ended;
     }
 };

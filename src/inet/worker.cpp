@@ -76,10 +76,11 @@ void Worker::Note(News news)
 {
     constexpr Ftp::Milliseconds Delay{5};
     Noted.push_back(std::move(news));
-    if (!NotedDue) NotedDue = Time.After(Delay, [this] {
-        NotedDue.reset();
-        HandOver();
-    });
+    if (!NotedDue)
+        NotedDue = Time.After(Delay, [this] {
+            NotedDue.reset();
+            HandOver();
+        });
 }
 
 void Worker::HandOver()

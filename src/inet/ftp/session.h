@@ -128,6 +128,7 @@ private:
     std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
     Task<> SendAhead(std::vector<std::string> lines);
     Task<> AskForNextPort();
+
     std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
 
     Task<std::string> Run(Operation operation);
@@ -163,9 +164,9 @@ private:
     std::filesystem::path Folder;
 
     std::unique_ptr<ControlConnection> Control;
-    bool Ready = false;       ///< logged in, and in the working folder
-    bool Unfinished = false;  ///< a transfer is under way: its replies are still owed
-    bool OneAtATime = false;  ///< what was sent ahead to this server has done harm once
+    bool Ready = false;                 ///< logged in, and in the working folder
+    bool Unfinished = false;            ///< a transfer is under way: its replies are still owed
+    bool OneAtATime = false;            ///< what was sent ahead to this server has done harm once
     std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
     Capabilities Can;
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)

@@ -61,9 +61,9 @@ private:
     ControlConnection& Control;
     std::shared_ptr<Wire> Data;
     Reply First;
-    Reply Final;           ///< Code 0 until it has come
-    bool Refused = false;  ///< the server has ended the transfer with a 4xx or 5xx
-    bool Begun = false;    ///< data has begun to come
+    Reply Final;             ///< Code 0 until it has come
+    bool Refused = false;    ///< the server has ended the transfer with a 4xx or 5xx
+    bool Begun = false;      ///< data has begun to come
     Guard* Watch = nullptr;  ///< of the data that is waited for now
     ProgressMeter Meter;
 };
