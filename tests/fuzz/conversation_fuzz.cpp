@@ -56,7 +56,7 @@ public:
         bool changed = false;
         for (const auto& entry : fs::directory_iterator(Folder)) {
             const std::string name = entry.path().filename().string();
-            REQUIRE(!name.starts_with(".tolvane-"));
+            REQUIRE(!name.starts_with(PartBegin));
             changed = changed || (name != "kept" && name != "sent");
         }
         if (changed || Read(Folder / "kept") != Old) Restore();
@@ -72,6 +72,7 @@ private:
 
     fs::path Top;
     fs::path Folder;
+    const std::string PartBegin = ".tolvane-" + std::to_string(getpid()) + '-';
 };
 
 /// One session from its first operation to its end.

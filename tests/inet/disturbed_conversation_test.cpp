@@ -1,5 +1,5 @@
-#include "support/conversation.h"
 #include "support/outcome_checks.h"
+#include "support/sample_conversations.h"
 
 #include <QtTest>
 #include <algorithm>
@@ -34,64 +34,12 @@ private:
                           const std::function<void(const Ftp::Outcome&, Conversation&)>& check);
 };
 
-namespace {
-
-const std::string Passive = R"(
-    C: EPSV
-    S: 229 here (|||4001|)
-    -- listen 4001
-)";
-
-const std::string OldPassive = R"(
-    C: EPSV
-    S: 502 what?
-    C: PASV
-    S: 227 here (127,0,0,1,15,161)
-    -- listen 4001
-)";
-
-const std::string Binary = "C: TYPE I\nS: 200 fine\n";
-
-const std::string Incoming = R"(
-    -- accept
-    S: 150 coming
-    D: new\r\n
-    D: bytes
-    -- end
-    S: 226 done
-)";
-
-const std::string Outgoing = R"(
-    -- accept
-    S: 150 go on
-    U: bytes to send
-    S: 226 stored
-)";
-
-struct Row {
-    const char* Name;
-    const char* Operation;
-    std::string Script;
-};
-
-const std::vector<Row> Rows{
-    {"list", "DIR", LogIn + Passive + "C: LIST\n" + Incoming},
-    {"names", "LS", LogIn + OldPassive + "C: NLST\n" + Incoming},
-    {"receive", R"(GET "kept" "kept")", LogIn + Binary + Passive + "C: RETR kept\n" + Incoming},
-    {"receive, passive", R"(GET "kept" "kept")", LogIn + Binary + OldPassive + "C: RETR kept\n" + Incoming},
-    {"send", R"(PUT "sent" "sent")", LogIn + Binary + Passive + "C: STOR sent\n" + Outgoing},
-    {"rename", R"(RENAME "a" "b")", LogIn + "C: RNFR a\nS: 350 go on\nC: RNTO b\nS: 250 done"},
-    {"folder", "CD x", LogIn + "C: CWD x\nS: 250-all\nS:  the rules\nS: 250 there"},
-    {"size", "SIZE x", LogIn + Binary + "C: SIZE x\nS: 213 5"},
-};
-
-}  // namespace
-
 void DisturbedConversationTest::Conversations()
 {
     QTest::addColumn<QString>("operation");
     QTest::addColumn<QString>("script");
-    for (const Row& row : Rows) QTest::newRow(row.Name) << row.Operation << QString::fromStdString(row.Script);
+    for (const SampleConversation& row : SampleConversations())
+        QTest::newRow(row.Name) << QString(row.Operation) << QString::fromStdString(row.Script);
 }
 
 void DisturbedConversationTest::DisturbAt(Disturbance disturbance,
@@ -101,8 +49,8 @@ void DisturbedConversationTest::DisturbAt(Disturbance disturbance,
     QFETCH(QString, script);
     Conversation talk;
     if (disturbance.Kind == Disturbance::Call) disturbance.What = [&talk] { talk.Session->Cancel(); };
-    talk.MakeLocalFile("kept", "old bytes");
-    talk.MakeLocalFile("sent", "bytes to send");
+    talk.MakeLocalFile("kept", SampleKept);
+    talk.MakeLocalFile("sent", SampleSent);
     talk.Server.Play(script.toStdString(), disturbance);
     const Ftp::Outcome got = talk.Do(operation.toStdString());
     QVERIFY(!got.Good);
@@ -113,13 +61,13 @@ void DisturbedConversationTest::DisturbAt(Disturbance disturbance,
     if (QTest::currentTestFailed()) return;
     QVERIFY(!talk.Session->IsConnected());
     QCOMPARE(talk.Server.OpenLinks(), 0U);
-    QCOMPARE(talk.LocalFile("kept"), QByteArray("old bytes"));
+    QCOMPARE(talk.LocalFile("kept"), SampleKept);
     QCOMPARE(talk.LocalFiles(), (QStringList{"kept", "sent"}));
 
     talk.Server.Play(script.toStdString());
     QVERIFY_GOOD(talk.Do(operation.toStdString()));
     QVERIFY_FOLLOWED(talk);
-    if (operation.startsWith("GET")) QCOMPARE(talk.LocalFile("kept"), QByteArray("new\r\nbytes"));
+    if (operation.startsWith("GET")) QCOMPARE(talk.LocalFile("kept"), SampleReceived);
 }
 
 void DisturbedConversationTest::Disturb(Disturbance::Kinds kind,

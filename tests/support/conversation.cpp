@@ -30,7 +30,7 @@ Ftp::Outcome Conversation::Do(const std::string& operation)
 {
     const std::optional<Ftp::Operation> parsed = Ftp::ParseOperation(operation);
     if (!parsed) return {false, -1, "not an operation: " + operation, {}};
-    return Run(Session->Perform(Where, How, *parsed, Place()));
+    return Run(Session->Perform(Where, How, *parsed, Place() / LocalPlace));
 }
 
 Ftp::Outcome Conversation::Fetch(const std::string& path)

@@ -37,6 +37,11 @@ public:
     QByteArray LocalFile(const QString& name) const;
     void MakeLocalFile(const QString& name, const QByteArray& bytes) const;
 
+    QString LocalFolder() const { return Folder.path(); }
+
+    /// Where in the local folder operations look for local names.
+    std::string LocalPlace;
+
     asio::io_context Context;
     ManualClock Clock;
     ScriptedServer Server{Context.get_executor(), Clock};

@@ -63,6 +63,7 @@ void ScriptedServer::Play(const std::string& script, Disturbance disturbance)
         Steps.push_back({line.substr(0, 2), Unescaped(line.size() > 3 ? line.substr(3) : std::string())});
     }
     At = 0;
+    Taken = 0;
     Deaf = false;
     Paused = false;
     Wrong.clear();
@@ -246,9 +247,13 @@ bool ScriptedServer::Command(const std::string& wanted)
 
 bool ScriptedServer::Take(std::size_t count)
 {
-    if (!Data || Data->ToServer.size() < count) return false;
-    Data->ToServer.erase(0, count);
+    if (!Data) return false;
+    const std::size_t now = std::min(count - Taken, Data->ToServer.size());
+    Data->ToServer.erase(0, now);
     Data->Wake();
+    Taken += now;
+    if (Taken < count) return false;
+    Taken = 0;
     return true;
 }
 

@@ -24,7 +24,7 @@ struct Disturbance {
 ///     C: USER ann           it waits for exactly this command; C: * takes any
 ///     D: some bytes         it sends on the data connection
 ///     U: some bytes         it waits until the client has sent exactly this on the data connection, and its end
-///     -- take 10            it waits for so many bytes on the data connection and reads them; U: tells what follows
+///     -- take 10            it reads so many bytes from the data connection as they come; U: tells what follows
 ///     -- listen 4001        connects to this port succeed from now on
 ///     -- silent 4001        connects to this port are never answered
 ///     -- accept             it waits for the client's data connection
@@ -39,8 +39,8 @@ struct Disturbance {
 ///     -- silence            it does nothing any more
 ///
 /// \r \n \t \0 \\ and \xHH stand for bytes. A question for a size that the script does not wait for is answered with
-/// "I know no sizes", so that a client may ask where it likes. A control connection is accepted where the script needs one. What the
-/// client sends against the script makes the server hang up; Complaint tells where.
+/// "I know no sizes", so that a client may ask where it likes. A control connection is accepted where the script needs
+/// one. What the client sends against the script makes the server hang up; Complaint tells where.
 class ScriptedServer final : public MemoryServer {
 public:
     static constexpr int Port = 21;
@@ -109,6 +109,7 @@ private:
     ManualClock& Time;
     std::vector<Step> Steps;
     std::size_t At = 0;
+    std::size_t Taken = 0;  ///< by the step that takes bytes
     Disturbance Trouble;
     bool Deaf = false;  ///< silent, or hung up, until the next script
     bool Scheduled = false;

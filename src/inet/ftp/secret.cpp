@@ -1,5 +1,8 @@
 #include "inet/ftp/secret.h"
 
+#include <cstddef>
+#include <string_view>
+
 namespace Ftp {
 
 namespace {
@@ -11,24 +14,57 @@ bool IsWordByte(char byte)
            (value >= 'a' && value <= 'z');
 }
 
+int HexValue(char c)
+{
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+bool IsEscapeOf(std::string_view text, char byte)
+{
+    if (text.size() < 3 || text[0] != '%' || HexValue(text[1]) < 0 || HexValue(text[2]) < 0) return false;
+    return HexValue(text[1]) * 16 + HexValue(text[2]) == static_cast<unsigned char>(byte);
+}
+
+/// How many bytes of the text's front are the secret, as it is or with bytes escaped as in an address; 0: none.
+std::size_t LengthOf(const std::string& secret, std::string_view text)
+{
+    if (text.starts_with(secret)) return secret.size();
+    std::size_t length = 0;
+    for (const char byte : secret) {
+        const std::string_view rest = text.substr(length);
+        if (IsEscapeOf(rest, byte))
+            length += 3;
+        else if (!rest.empty() && rest.front() == byte)
+            length += 1;
+        else
+            return 0;
+    }
+    return length;
+}
+
 }  // namespace
 
-std::string Without(const std::string& secret, std::string text)
+std::string Without(const std::string& secret, const std::string& text)
 {
     constexpr std::size_t AnywhereFrom = 4;
     if (secret.empty()) return text;
-    const std::string mask = "****";
-    for (std::size_t at = text.find(secret); at != std::string::npos; at = text.find(secret, at)) {
-        const std::size_t end = at + secret.size();
+    std::string told;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t length = LengthOf(secret, std::string_view(text).substr(at));
+        const std::size_t end = at + length;
         const bool inside = (at > 0 && IsWordByte(text[at - 1])) || (end < text.size() && IsWordByte(text[end]));
-        if (inside && secret.size() < AnywhereFrom) {
-            ++at;
-            continue;
+        if (length > 0 && (!inside || secret.size() >= AnywhereFrom)) {
+            told += "****";
+            at = end;
+        } else {
+            told += text[at++];
         }
-        text.replace(at, secret.size(), mask);
-        at += mask.size();
     }
-    return text;
+    return told;
 }
 
 }  // namespace Ftp

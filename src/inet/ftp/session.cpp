@@ -113,7 +113,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
         if (Where.Safety == Protection::None && MeansSecureOnly(*failure)) Tell.Remark(SecureOnlyHint);
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
-        outcome.Text = Without(Where.Password, std::move(failure->Text));
+        outcome.Text = Without(Where.Password, failure->Text);
         outcome.Reply.clear();
         co_return outcome;
     }
@@ -350,23 +350,26 @@ Task<> Session::LogIn(std::vector<std::string> ahead)
     co_await Safe.AfterLogIn(*Control);
 }
 
-// A connection that is made anew leads where the old one had been. When that is not possible any more the way is
-// forgotten, so that the next attempt begins where the server puts the user.
+// A connection that is made anew leads where the old one had been. When the server refuses that the way is forgotten,
+// so that the next attempt begins where the server puts the user; a connection that breaks on the way changes nothing.
 Task<> Session::EnterFolders()
 {
-    std::vector<std::string> moves;
-    moves.swap(Moves);
-    co_await SpeakUtf8For(Where.Path);
-    if (!Where.Path.empty()) {
-        std::string command = "CWD " + Where.Path;
-        (void)co_await Control->Expect(std::move(command));
+    const std::vector<std::string> moves = Moves;
+    try {
+        if (!Where.Path.empty()) {
+            co_await SpeakUtf8For(Where.Path);
+            std::string command = "CWD " + Where.Path;
+            (void)co_await Control->Expect(std::move(command));
+        }
+        for (const std::string& name : moves) {
+            co_await SpeakUtf8For(name);
+            std::string command = MoveLine(name);
+            (void)co_await Control->Expect(std::move(command));
+        }
+    } catch (const Failure& failure) {
+        if (LeavesSessionAsItWas(failure) && Control->IsAlive()) Moves.clear();
+        throw;
     }
-    for (const std::string& name : moves) {
-        co_await SpeakUtf8For(name);
-        std::string command = MoveLine(name);
-        (void)co_await Control->Expect(std::move(command));
-    }
-    Moves = std::move(moves);
 }
 
 Task<> Session::SetType(char type)

@@ -4,6 +4,7 @@
 #include "platform/error_text.h"
 #include "platform/pump.h"
 
+#include <algorithm>
 #include <array>
 #include <asio/post.hpp>
 #include <optional>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;
 constexpr Milliseconds LingerLimit = std::chrono::seconds(2);
+// Of a slow reader each piece counts as progress, so none may take longer than the time-out on any line.
+constexpr std::size_t PieceSize = std::size_t{32} * 1024;
 
 /// Lets the other tasks of the thread have their turn.
 Task<> Breathe(asio::any_io_executor executor)
@@ -253,9 +256,12 @@ Task<> Transfer::PourByBuffer(SourceFile& file, const std::filesystem::path& pat
             throw LocalFailure(path, error.code().value());
         }
         if (count == 0) co_return;
-        co_await Data->Write(std::string(buffer.data(), count));
-        guard.Progress();
-        Meter.Add(count);
+        for (std::size_t at = 0; at < count; at += PieceSize) {
+            const std::size_t piece = std::min(PieceSize, count - at);
+            co_await Data->Write(std::string(buffer.data() + at, piece));
+            guard.Progress();
+            Meter.Add(piece);
+        }
     }
 }
 
