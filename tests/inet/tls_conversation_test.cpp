@@ -614,8 +614,9 @@ void TlsConversationTest::EveryStepMayBeTheLast()
             QVERIFY2(talk.LastDuration <= 2 * Conversation::Limit, qPrintable(where));
             if (!outcome.Good) QCOMPARE(talk.LocalFile("kept"), QByteArray("old"));
             QCOMPARE(talk.LocalFiles(), QStringList({"kept", "sent"}));
-            talk.Server.Play(Secured + StillThere);
             if (ended) talk.Session->Drop();
+            talk.Settle();
+            talk.Server.Play(Secured + StillThere);
             const Ftp::Outcome next = talk.Do("PWD");
             QVERIFY2(next.Good, qPrintable(where + " / " + TextOf(next)));
         }

@@ -38,17 +38,21 @@ QString RealServer::NameOf(Kind kind)
     return {};
 }
 
-RealServer::RealServer(Kind kind, const QString& address) : Address(address)
+RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version)
+    : Address(address), Safety(security)
 {
     Trouble = FetchServers();
     if (!Trouble.isEmpty()) return;
     Keeper.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    Keeper.start(Checkout + QStringLiteral("/tests/support/real_server.py"),
-                 {NameOf(kind), QStringLiteral("--address"), address, QStringLiteral("--folder"), Files.path()});
+    QStringList options{NameOf(kind), QStringLiteral("--address"), address, QStringLiteral("--folder"), Files.path()};
+    if (security != Plain) options << QStringLiteral("--tls") << (security == ExplicitTls ? "explicit" : "implicit");
+    if (!version.isEmpty()) options << QStringLiteral("--tls-version") << version;
+    Keeper.start(Checkout + QStringLiteral("/tests/support/real_server.py"), options);
     const QJsonObject told = QJsonDocument::fromJson(ReadLine()).object();
     PortNumber = told.value(QStringLiteral("port")).toInt();
     UserName = told.value(QStringLiteral("user")).toString();
     Word = told.value(QStringLiteral("password")).toString();
+    AuthorityFile = told.value(QStringLiteral("authority")).toString();
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
 }
 
@@ -62,7 +66,8 @@ RealServer::~RealServer()
 QString RealServer::Url() const
 {
     const QString host = Address.contains(u':') ? u'[' + Address + u']' : Address;
-    return QStringLiteral("ftp://%1:%2").arg(host).arg(PortNumber);
+    const QString scheme = Safety == Plain ? "ftp" : Safety == ExplicitTls ? "ftpes" : "ftps";
+    return QStringLiteral("%1://%2:%3").arg(scheme, host).arg(PortNumber);
 }
 
 void RealServer::Kill()
