@@ -45,25 +45,31 @@ QString RealServer::NameOf(Kind kind)
     return {};
 }
 
-RealServer::RealServer(Kind kind, const QString& address) : Address(address)
+RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version)
+    : Address(address), Safety(security)
 {
-    StartKeeper(NameOf(kind));
+    QStringList options;
+    if (security != Plain) options << QStringLiteral("--tls") << (security == ExplicitTls ? "explicit" : "implicit");
+    if (!version.isEmpty()) options << QStringLiteral("--tls-version") << version;
+    StartKeeper(NameOf(kind), options);
     if (!Trouble.isEmpty()) return;
     const QJsonObject told = QJsonDocument::fromJson(ReadLine()).object();
     PortNumber = told.value(QStringLiteral("port")).toInt();
     UserName = told.value(QStringLiteral("user")).toString();
     Word = told.value(QStringLiteral("password")).toString();
+    AuthorityFile = told.value(QStringLiteral("authority")).toString();
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
 }
 
 #ifdef Q_OS_WIN
 
-void RealServer::StartKeeper(const QString& kind)
+void RealServer::StartKeeper(const QString& kind, const QStringList& options)
 {
     auto desk = std::make_unique<QTcpSocket>();
     desk->connectToHost(QStringLiteral("127.0.0.1"), qEnvironmentVariable("TOLVANE_SERVER_DESK").toUShort());
     if (!desk->waitForConnected(StartLimit)) Trouble = QStringLiteral("Nobody starts servers: ") + desk->errorString();
-    desk->write((kind + u' ' + Address + u' ' + Files.path() + u'\n').toUtf8());
+    const QStringList words = QStringList{kind, Address, Files.path()} + options;
+    desk->write((words.join(u' ') + u'\n').toUtf8());
     Keeper = std::move(desk);
 }
 
@@ -71,14 +77,15 @@ RealServer::~RealServer() = default;
 
 #else
 
-void RealServer::StartKeeper(const QString& kind)
+void RealServer::StartKeeper(const QString& kind, const QStringList& options)
 {
     Trouble = FetchServers();
     if (!Trouble.isEmpty()) return;
     auto process = std::make_unique<QProcess>();
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process->start(Checkout + QStringLiteral("/tests/support/real_server.py"),
-                   {kind, QStringLiteral("--address"), Address, QStringLiteral("--folder"), Files.path()});
+                   QStringList{kind, QStringLiteral("--address"), Address, QStringLiteral("--folder"), Files.path()} +
+                       options);
     Keeper = std::move(process);
 }
 
@@ -95,7 +102,8 @@ RealServer::~RealServer()
 QString RealServer::Url() const
 {
     const QString host = Address.contains(u':') ? u'[' + Address + u']' : Address;
-    return QStringLiteral("ftp://%1:%2").arg(host).arg(PortNumber);
+    const QString scheme = Safety == Plain ? "ftp" : Safety == ExplicitTls ? "ftpes" : "ftps";
+    return QStringLiteral("%1://%2:%3").arg(scheme, host).arg(PortNumber);
 }
 
 void RealServer::Kill()

@@ -17,8 +17,12 @@ public:
 
     static QString NameOf(Kind kind);
 
-    /// `address` is 127.0.0.1 or ::1.
-    explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"));
+    /// How the server is secured; with Tls it takes nothing else, and demands resumption where it knows how to.
+    enum Security { Plain, ExplicitTls, ImplicitTls };
+
+    /// `address` is 127.0.0.1 or ::1; `version` is 1.2 or 1.3, empty: both.
+    explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"), Security security = Plain,
+                        const QString& version = {});
     ~RealServer();
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
@@ -26,8 +30,11 @@ public:
     /// Empty when the server runs, else why it does not.
     QString Complaint() const { return Trouble; }
 
-    /// ftp://127.0.0.1:2121, ftp://[::1]:2121
+    /// ftp://127.0.0.1:2121, ftp://[::1]:2121; or ftpes:// or ftps://
     QString Url() const;
+
+    /// The file with the certificate that vouches for a secured server's.
+    QString Authority() const { return AuthorityFile; }
 
     int Port() const { return PortNumber; }
 
@@ -43,10 +50,12 @@ public:
     void Kill();
 
 private:
-    void StartKeeper(const QString& kind);
+    void StartKeeper(const QString& kind, const QStringList& options);
     QByteArray ReadLine();
 
     QString Address;
+    Security Safety;
+    QString AuthorityFile;
     QTemporaryDir Files;
     std::unique_ptr<QIODevice> Keeper;  ///< who keeps the server alive as long as it is open
     int PortNumber = 0;

@@ -241,7 +241,7 @@ Task<> TlsWire::Fill()
 Task<> TlsWire::Flush(bool wait)
 {
     while (wait && Flushing && !Broken) co_await Changed.Wait();
-    if (Flushing || Broken) co_return;
+    if (Flushing || Broken || Bytes->Out.empty()) co_return;
     Flushing = true;
     std::optional<Failure> lost;
     try {
