@@ -16,6 +16,7 @@ constexpr int MostRedirects = 10;
 constexpr qint64 BufferSize = qint64{1024} * 1024;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
 constexpr int SecurityError = 12157;
+constexpr int ProxyAuthenticationRequired = 407;
 
 // The states that are reported, as the component numbers them.
 enum States {
@@ -59,23 +60,29 @@ Ftp::Outcome FailureOf(QNetworkReply::NetworkError error)
         return {false, Ftp::TimeOutError, "The server did not answer in time.", {}};
     case QNetworkReply::SslHandshakeFailedError:
         return {false, SecurityError, "A secure connection with the server could not be made.", {}};
-    case QNetworkReply::ProxyConnectionRefusedError:
-        return {false, Ftp::ConnectError, "The proxy refused the connection.", {}};
-    case QNetworkReply::ProxyConnectionClosedError:
-        return {false, Ftp::AbortedError, "The proxy closed the connection.", {}};
-    case QNetworkReply::ProxyNotFoundError:
-        return {false, Ftp::NameError, "The name of the proxy could not be found.", {}};
-    case QNetworkReply::ProxyTimeoutError:
-        return {false, Ftp::TimeOutError, "The proxy did not answer in time.", {}};
-    case QNetworkReply::ProxyAuthenticationRequiredError:
-        return {false, 407, "The proxy wants another user and password.", {}};
-    case QNetworkReply::UnknownProxyError:
-        return {false, Ftp::ConnectError, "The proxy could not reach the server.", {}};
     case QNetworkReply::ProtocolFailure:
     case QNetworkReply::ProtocolUnknownError:
         return {false, Ftp::ResponseError, "The server's answer was not understood.", {}};
     default:
         return {false, Ftp::AbortedError, "The connection with the server was lost.", {}};
+    }
+}
+
+/// The same for one that has not got beyond the proxy.
+Ftp::Outcome ProxyFailureOf(QNetworkReply::NetworkError error)
+{
+    switch (error) {
+    case QNetworkReply::ProxyNotFoundError:
+        return {false, Ftp::NameError, "The name of the proxy could not be found.", {}};
+    case QNetworkReply::ProxyAuthenticationRequiredError:
+        return {false, ProxyAuthenticationRequired, "The proxy does not accept the user and password.", {}};
+    case QNetworkReply::ProxyConnectionClosedError:
+    case QNetworkReply::RemoteHostClosedError:
+        return {false, Ftp::ConnectError, "The proxy closed the connection.", {}};
+    case QNetworkReply::SslHandshakeFailedError:
+        return FailureOf(error);
+    default:
+        return {false, Ftp::ConnectError, "No connection could be made through the proxy.", {}};
     }
 }
 
@@ -132,6 +139,7 @@ void HttpDownload::Send(const HttpInquiry::Answer& answer)
 {
     Tell(Connecting);
     Clock.start();
+    BehindProxy = answer.Via.Kind != Ftp::Proxy::None;
     Manager.setProxy(ProxyOf(answer.Via));
     QNetworkRequest request(Url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
@@ -291,6 +299,8 @@ void HttpDownload::FailByError()
         FailByStatus();
     } else if (!CertificateTrouble.empty()) {
         Fail(SecurityError, "The server's certificate is not accepted: " + CertificateTrouble + ".");
+    } else if (BehindProxy && Told < RequestSent) {
+        End(ProxyFailureOf(Reply->error()));
     } else {
         End(FailureOf(Reply->error()));
     }

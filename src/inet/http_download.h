@@ -70,6 +70,7 @@ private:
 
     std::unique_ptr<Ftp::Sink> Target;
     Ftp::MemorySink* Memory = nullptr;  ///< the same, when it is memory
+    bool BehindProxy = false;           ///< the request that runs
     QUrl Url;                           ///< of the request that runs: the wanted one, or what it led to
     std::unique_ptr<HttpInquiry> Inquiry;
     QNetworkAccessManager Manager;
