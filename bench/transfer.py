@@ -42,6 +42,9 @@ class Clients:
 
     def __init__(self, server, names, operate):
         self.server, self.names, self.operate = server, names, operate
+        self.secure = server.authority is not None
+        if self.secure:
+            os.environ["SSL_CERT_FILE"] = server.authority
         self.login = f"{server.user}:{server.password}"
         self.range = f"[{names[0]}-{names[-1]}]"
 
@@ -49,7 +52,7 @@ class Clients:
         folder = {"receive large": "", "send large": "/sent", "receive small": "/small", "send small": "/sent"}[job]
         verb = "GET" if job.startswith("receive") else "PUT"
         files = ["large"] if job.endswith("large") else self.names
-        command = [self.operate, f"ftp://{self.server.place}{folder}", self.server.user, self.server.password]
+        command = [self.operate, f"{'ftpes' if self.secure else 'ftp'}://{self.server.place}{folder}", self.server.user, self.server.password]
         return command, "".join(f'{verb} "{name}" "{name}"\n' for name in files)
 
     def curl(self, job):
@@ -60,7 +63,7 @@ class Clients:
             "receive small": ["--remote-name-all", f"{url}/small/{self.range}"],
             "send small": ["-T", self.range, f"{url}/sent/"],
         }[job]
-        return ["curl", "-sS", *arguments], ""
+        return ["curl", "-sS", *(["--ssl-reqd", "--cacert", self.server.authority] if self.secure else []), *arguments], ""
 
     def lftp(self, job):
         commands = {
@@ -70,7 +73,10 @@ class Clients:
             "send small": "mput -O sent *",
         }[job]
         place = f"open -u {self.server.user},{self.server.password} ftp://{self.server.place}"
-        return ["lftp", "-c", f"{place} && {commands}"], ""
+        security = ""
+        if self.secure:
+            security = f"set ssl:ca-file {self.server.authority}; set ftp:ssl-force yes; set ftp:ssl-protect-data yes; "
+        return ["lftp", "-c", f"{security}{place} && {commands}"], ""
 
     def ncftp(self, job):
         options = ["-V", "-u", self.server.user, "-p", self.server.password, "-P", self.server.port]
@@ -140,7 +146,7 @@ def report(times, options, risen):
                     if line.startswith("model name")), platform.machine())
     print(f"{machine}, {os.cpu_count()} processors, Linux {platform.release()}, load {os.getloadavg()[1]:.1f}, "
           f"{'real-time' if risen else 'normal'} priority; "
-          f"server {options.server}; large: {options.large} MiB, small: {options.small} files of "
+          f"server {options.server}{f' with TLS {options.tls}' if options.tls else ''}; large: {options.large} MiB, small: {options.small} files of "
           f"{options.small_bytes} bytes, in {options.folder}; {options.rounds} rounds, medians.")
     clients = list(times)
 
@@ -172,16 +178,18 @@ def main():
     parser.add_argument("--folder", default="/dev/shm", help="where the files lie; memory keeps the disk out of it")
     parser.add_argument("--priority", default="real-time", choices=("real-time", "normal"))
     parser.add_argument("--clients", default="tolvane,curl,lftp,ncftp")
+    parser.add_argument("--tls", choices=("1.2", "1.3"), help="the same over secure FTP, which ncftp does not speak")
     options = parser.parse_args()
     names = [f"{number:05}" for number in range(1, options.small + 1)]
-    chosen = options.clients.split(",")
+    chosen = [client for client in options.clients.split(",") if not (options.tls and client == "ncftp")]
     risen = options.priority == "real-time" and rise()
     order = random.Random(7)  # what a client leaves behind in the caches must not always meet the same one
     times = {client: collections.defaultdict(list) for client in chosen}
     with tempfile.TemporaryDirectory(dir=options.folder, prefix="tolvane-bench-") as work:
         top, local = pathlib.Path(work, "served"), pathlib.Path(work, "local")
         make_sources(top, options.large << 20, names, options.small_bytes)
-        server = Server(options.server, top)
+        secure = ("--tls", "explicit", "--tls-version", options.tls) if options.tls else ()
+        server = Server(options.server, top, *secure)
         try:
             clients = Clients(server, names, str(CHECKOUT / "build/bench/bin/operate"))
             for job in JOBS:

@@ -29,6 +29,7 @@ void LanguageMenu::mnuLamguage_Click()
     if (Use.Pause.Ending()) return;
     if (std::exchange(Use.Texts.LanguageCancelled, false)) return;
     SetCaptions(Window, Use.Texts, Use.Errors);
+    Use.OfferOnAds();
     Toolkit.Follow(Use.Texts);
     Use.Status.ShowLines(MenusFollowLater);
     Use.Questions.Ask({Use.Status.Text(), Title, Question::Information, Question::Ok});

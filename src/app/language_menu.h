@@ -4,6 +4,7 @@
 #include "i18n/toolkit_texts.h"
 
 #include <QObject>
+#include <functional>
 
 class Asker;
 class StatusLine;
@@ -22,6 +23,7 @@ public:
         StatusLine& Status;
         Asker& Questions;
         const Waits& Pause;
+        std::function<void()> OfferOnAds;  ///< the captions have been set: the advertisements need their offer again
     };
 
     LanguageMenu(QWidget& window, const Tools& tools);

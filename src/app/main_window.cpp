@@ -7,8 +7,13 @@
 #include "app/shut_down.h"
 #include "app/start_up.h"
 #include "controls/covered_area.h"
+#include "dialogs/about_box.h"
+#include "dialogs/advertisements.h"
+#include "dialogs/help_pages.h"
 #include "dialogs/picture_viewer.h"
+#include "dialogs/screen_res.h"
 #include "dialogs/text_input.h"
+#include "dialogs/web_pages.h"
 #include "i18n/language.h"
 #include "inet/inet.h"
 #include "local/disk_space.h"
@@ -18,9 +23,12 @@
 #include "platform/places.h"
 #include "remote/remote_operations.h"
 #include "remote/remote_panel.h"
+#include "session/command_line.h"
 #include "session/commands.h"
 #include "session/connection.h"
+#include "session/message_ticker.h"
 #include "session/pacing.h"
+#include "session/protocol_menu.h"
 #include "session/state_changes.h"
 #include "session/stopwatch.h"
 #include "session/timers.h"
@@ -30,6 +38,7 @@
 #include "shell/busy_pointer.h"
 #include "shell/sole_input.h"
 #include "shell/status_line.h"
+#include "sites/certificate_question.h"
 #include "sites/clipboard_watch.h"
 #include "sites/site_book.h"
 #include "transfer/name_options.h"
@@ -38,7 +47,9 @@
 #include "ui_main_window.h"
 
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <utility>
 
 // The linker leaves out what a library registers by itself. The macro must stand outside of namespaces.
@@ -87,6 +98,15 @@ std::unique_ptr<Inet> Named(std::unique_ptr<Inet> inet, const char* name)
     return inet;
 }
 
+/// Whether nothing that reacts to the mouse lies at a place of the window.
+bool IsFreeArea(const QWidget& window, const QPoint& at)
+{
+    const QWidget* there = window.childAt(at);
+    if (there == nullptr) return true;
+    const QMetaObject* kind = there->metaObject();
+    return kind == &QWidget::staticMetaObject || kind == &QFrame::staticMetaObject;
+}
+
 /// A checkable entry flips its mark itself when it is chosen; its handler wants to find the mark as it was.
 template <typename Room>
 void OnChosen(QAction* entry, Room& room, void (Room::*handler)())
@@ -105,7 +125,8 @@ struct MainWindow::Parts {
     Parts(MainWindow& window, ProgramValues& values, SettingsStore& settings, Language& texts,
           Surroundings surroundings);
 
-    std::vector<QWidget*> Ads(MainWindow& window) const;
+    std::vector<QAbstractButton*> Ads(MainWindow& window) const;
+    void OfferOnAds();
 
     Surroundings Around;
     BuiltForm Form;
@@ -121,6 +142,7 @@ struct MainWindow::Parts {
     SoleInput Input;
     MessageBoxAsker Boxes;
     Asker& Questions;
+    CertificateQuestion Certificates;
     TextInputDialog Dialog;
     TextInput& Prompt;
     Timers Clocks;
@@ -146,6 +168,15 @@ struct MainWindow::Parts {
     LocalOperations Files;
     StateChanges Changes;
 
+    CommandLine Line;
+    ProtocolMenu Protocols;
+    MessageTicker Ticker;
+    WebPages Pages;
+    AboutBox About;
+    HelpPages Help;
+    Advertisements Strip;
+    ScreenRes Resolutions;
+
     ProgramMenu Menu;
     LanguageMenu Languages;
     StartUp Start;
@@ -160,6 +191,7 @@ MainWindow::Parts::Parts(MainWindow& window, ProgramValues& values, SettingsStor
       Log({*Form.List2, *Form.Command22, *Form.Command23, *Form.Command25, *Form.List1}, Around.ProgramFolder, Pointer,
           Around.Beep, Around.Now),
       Boxes(window, Input), Questions(Around.Questions != nullptr ? *Around.Questions : Boxes),
+      Certificates(Questions, values.Errors, Around.ProgramFolder),
       Dialog(window, Input, values.InputText, Around.Beep), Prompt(Around.Prompt != nullptr ? *Around.Prompt : Dialog),
       Clocks(window), Escape(window, values.Chosen.EscapePressed),
       Session(*Inet1, values.Transfer, values.Chosen, Pause),
@@ -177,10 +209,11 @@ MainWindow::Parts::Parts(MainWindow& window, ProgramValues& values, SettingsStor
       Clipboard(*QGuiApplication::clipboard()),
       ClipWatch({*Form.mnuWatchClip, *Form.cmdPaste, *Form.cmdPaste2, *Form.txtURL, *Form.txtCom}, values.Address,
                 Clipboard, Around.Beep),
-      Above(Remote, Incoming, Outgoing, Book), Site({*Form.txtURL, *Form.txtUserName, *Form.txtPassword, *Form.txtPort,
-                                                     *Form.Combo1, *Form.txtProxy, *Form.Slider1, *Form.Check1},
-                                                    {*Inet1, Session, values.Transfer, values.Connection, values.Chosen,
-                                                     settings, texts, Status, Log, Pointer, values.Errors, Above}),
+      Above(Remote, Incoming, Outgoing, Book),
+      Site({*Form.txtURL, *Form.txtUserName, *Form.txtPassword, *Form.txtPort, *Form.Combo1, *Form.txtProxy,
+            *Form.Slider1, *Form.Check1},
+           {*Inet1, Session, values.Transfer, values.Connection, values.Chosen, settings, texts, Status, Log, Pointer,
+            values.Errors, Above, values.Start.MessageDue, Clocks.Timer5}),
       Remote({*Form.lstRemoteFiles, *Form.Label2_0, *Form.mnuUNIX},
              {Session, values.Transfer, Pause, values.Chosen, settings, Status, Log, Pointer, values.Errors}),
       Operations({*Form.lstRemoteFiles, *Form.List2},
@@ -211,21 +244,39 @@ MainWindow::Parts::Parts(MainWindow& window, ProgramValues& values, SettingsStor
       Files(*Form.List1, {Status, Log, Pause, Questions, Prompt, values.InputText, Viewer, values.ViewerOpen,
                           values.Errors, [this] { Local.RefreshList(); }, Around.OpenTextEditor, Around.Beep}),
       Changes(*Form.Check1, {*Inet1, values.Transfer, Status, Log, Pointer, Pause, values.Errors, Above, Around.Beep}),
+      Line({window, *Form.mnuCommand, *Form.LblCommandLine, *Form.Label15, *Form.cmdPaste2, *Form.txtCom,
+            *Form.Command14, *Form.sbFTP2},
+           {*Inet1, *Inet2, Log, Pointer, values.Errors, values.Start.NormalFormHeight, [this] { Local.RefreshList(); },
+            Around.Beep}),
+      Protocols({{Form.Protocol2_1, Form.Protocol2_2, Form.Protocol2_3, Form.Protocol2_4}, *Form.txtPort},
+                values.Connection),
+      Ticker(*Form.lblAds, {*Inet3, Clocks.Timer5, Clocks.Timer6, Pointer, values.Errors, Around.ProgramFolder,
+                            Around.MessageAddress}),
+      Pages({Questions, Around.OpenAddress}), About(window, texts, Pages),
+      Help({texts, Questions, values.Errors, Around.ProgramFolder, Around.OpenTextEditor}),
+      Strip({window, Ads(window), Clocks.Timer4}, texts, values.Errors, Pages),
+      Resolutions(window, {*Around.Screen, Questions, values.Errors}),
       Menu({window, *Form.mnuSaveFolder}, values, settings),
-      Languages(window, {texts, settings, Input, values.Errors, Status, Questions, Pause}),
+      Languages(window, {texts, settings, Input, values.Errors, Status, Questions, Pause, [this] { Strip.Offer(); }}),
       Start({window, *Form.mnuNT, *Form.mnuUNIX, *Form.mnuConvertLower, *Form.mnuAlarm, *Form.mnuSaveFolder,
              *Form.mnuSavFTPAddress, *Form.Check2, *Form.Slider1, *Form.SlideVal, *Form.txtURL, *Form.txtUserName,
-             *Form.txtPassword, *Form.txtProxy, Ads(window)},
+             *Form.txtPassword, *Form.txtProxy},
             {values, settings, texts, Log, Pointer, Clocks, Around.ProgramFolder, Around.Now, [this] { Local.Open(); },
-             [this] { Book.GetURLs(true); }}),
+             [this] { Book.GetURLs(true); }, [this] { OfferOnAds(); }}),
       End({values, settings, Pause, Questions, Prompt, Around.Quit})
 {
 }
 
-std::vector<QWidget*> MainWindow::Parts::Ads(MainWindow& window) const
+void MainWindow::Parts::OfferOnAds()
 {
-    std::vector<QWidget*> pictures;
-    while (auto* picture = window.findChild<QWidget*>(QString("ads_%1").arg(pictures.size())))
+    Strip.Offer();
+    Strip.ShowLast();
+}
+
+std::vector<QAbstractButton*> MainWindow::Parts::Ads(MainWindow& window) const
+{
+    std::vector<QAbstractButton*> pictures;
+    while (auto* picture = window.findChild<QAbstractButton*>(QString("ads_%1").arg(pictures.size())))
         pictures.push_back(picture);
     return pictures;
 }
@@ -240,6 +291,8 @@ MainWindow::MainWindow(ProgramValues& values, SettingsStore& settings, Language&
     WireMenus();
     WireOperations();
     WirePacing();
+    WireSecondChannel();
+    WireSmallWindows();
 }
 
 MainWindow::~MainWindow() = default;
@@ -281,6 +334,8 @@ void MainWindow::WireSites()
 {
     Parts& own = *Own;
     const Ui::Tolvane& form = own.Form;
+    for (Inet* inet : {own.Inet1.get(), own.Inet2.get(), own.Inet3.get()})
+        inet->SetCertificateJudge([&own](const auto& shown) { return own.Certificates.Accepts(shown); });
     connect(form.Command12, &QAbstractButton::clicked, &own.Book, &SiteBook::Command12_Click);
     connect(form.Command17, &QAbstractButton::clicked, &own.Book, &SiteBook::Command17_Click);
     connect(form.Command18, &QAbstractButton::clicked, &own.Book, &SiteBook::Command18_Click);
@@ -295,6 +350,9 @@ void MainWindow::WireDrags()
     connect(form.List1, &ListBox::DragDropped, &own.Incoming, &Receiver::List1_DragDrop);
     connect(form.Dir1, &ListBox::DragDropped, &own.Incoming, &Receiver::Dir1_DragDrop);
     connect(form.lstRemoteFiles, &ListBox::DragDropped, &own.Outgoing, &Sender::lstRemoteFiles_DragDrop);
+    connect(form.lstRemoteFiles, &ListBox::FilesDropped, &own.Outgoing, &Sender::lstRemoteFiles_FilesDropped);
+    form.lstRemoteFiles->TakeFiles();
+    form.List1->OfferFiles({[&own] { return own.Files.SelectedFiles(); }, own.Around.DragFiles});
     connect(form.Image1, &QAbstractButton::clicked, &own.Outgoing, &Sender::Image1_Click);
     connect(form.Image2, &QAbstractButton::clicked, &own.Incoming, &Receiver::Image2_Click);
     connect(form.Image3, &QAbstractButton::clicked, &own.Names, &NameOptions::Image3_Click);
@@ -340,6 +398,33 @@ void MainWindow::WirePacing()
     connect(form.Command13, &QAbstractButton::clicked, &own.Watch, &Stopwatch::Command13_Click);
 }
 
+void MainWindow::WireSecondChannel()
+{
+    Parts& own = *Own;
+    const Ui::Tolvane& form = own.Form;
+    connect(own.Inet2.get(), &Inet::StateChanged, &own.Line, &CommandLine::Inet2_StateChanged);
+    connect(form.Command14, &QAbstractButton::clicked, &own.Line, &CommandLine::Command14_Click);
+    connect(form.txtCom->lineEdit(), &QLineEdit::returnPressed, &own.Line, &CommandLine::Command14_Click);
+    OnChosen(form.mnuCommand, own.Line, &CommandLine::mnuCommand_Click);
+    OnChosen(form.mnuMesgUpdate, own.Ticker, &MessageTicker::mnuMesgUpdate_Click);
+}
+
+void MainWindow::WireSmallWindows()
+{
+    Parts& own = *Own;
+    const Ui::Tolvane& form = own.Form;
+    connect(&own.Clocks.Timer1, &QTimer::timeout, &own.About, &AboutBox::Timer1_Timer);
+    connect(form.Command3, &QAbstractButton::clicked, &own.Pages, &WebPages::Command3_Click);
+    OnChosen(form.mnuAbout, own.About, &AboutBox::mnuAbout_Click);
+    OnChosen(form.mnuHelp2, own.Help, &HelpPages::mnuHelp2_Click);
+    OnChosen(form.mnuFree, own.Help, &HelpPages::mnuFree_Click);
+}
+
+void MainWindow::Form_Initialize()
+{
+    Own->About.ShowAtStart();
+}
+
 void MainWindow::Form_Load()
 {
     Own->Start.InitialiseMainWindow();
@@ -354,4 +439,21 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     Own->End.Form_QueryUnload();
     event->accept();
+}
+
+void MainWindow::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::RightButton && IsFreeArea(*this, event->position().toPoint()))
+        Own->Resolutions.PopUp(event->globalPosition().toPoint());
+    else
+        QMainWindow::mousePressEvent(event);
+}
+
+// The menu key does the same for those without a mouse.
+void MainWindow::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        Own->Resolutions.PopUp(event->globalPos());
+    else
+        event->accept();
 }

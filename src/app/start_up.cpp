@@ -22,7 +22,6 @@ namespace {
 
 constexpr auto Title = "Tolvane v3.2    (c) Quorvell. Free to use, free to share.";
 constexpr auto NoProxy = "Enter proxy address here";
-constexpr int OfferText = 73;
 constexpr int StartsBetweenMessages = 4;
 constexpr int TwipsPerPixel = 15;
 
@@ -47,7 +46,7 @@ void StartUp::InitialiseMainWindow()
     else
         ForgetConnection();
     Use.Values.Connection.ProtocolChoice = Inet::Ftp;
-    OfferOnAds();
+    Use.OfferOnAds();
     Use.Values.Start.InfoFilePath = ShortPath(Use.ProgramFolder + "/TolvInfo.dta");
     CountStart();
     Use.Log.Add("Session started at: " + GeneralDateTime(Use.Now()));
@@ -141,15 +140,6 @@ QString StartUp::StoredUnlessMarked(const char* key) const
 {
     const QString value = Use.Settings.Read(key, {});
     return Trimmed(value) == u"$" ? QString() : value;
-}
-
-void StartUp::OfferOnAds()
-{
-    Use.Values.Errors.Attempt([this] {
-        const QString offer = Use.Texts.LoadText(OfferText);
-        for (QWidget* picture : Form.Ads) picture->setToolTip(offer);
-    });
-    if (!Form.Ads.empty()) Form.Ads.back()->raise();
 }
 
 // Every fifth start is one on which a message is due.

@@ -8,7 +8,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <functional>
-#include <vector>
 
 class ActivityLog;
 class BusyPointer;
@@ -36,7 +35,6 @@ public:
         QLineEdit& txtUserName;
         QLineEdit& txtPassword;
         QLineEdit& txtProxy;
-        std::vector<QWidget*> Ads;  ///< the advertisement pictures in their order
     };
 
     struct Tools {
@@ -52,6 +50,8 @@ public:
         std::function<void()> OpenLocalPanel;
         /// Loads the site book into the list of the address box.
         std::function<void()> LoadSites;
+        /// Gives the advertisements their offer and brings the last one to the front.
+        std::function<void()> OfferOnAds;
     };
 
     StartUp(Controls controls, Tools tools);
@@ -70,7 +70,6 @@ private:
     void RestoreConnection();
     void ForgetConnection();
     QString StoredUnlessMarked(const char* key) const;
-    void OfferOnAds();
     void CountStart();
     void Finish();
 

@@ -1,5 +1,7 @@
 #include "base/byte_text.h"
 
+#include "base/local_name.h"
+
 #include <QStringList>
 
 namespace {
@@ -102,7 +104,7 @@ QString ShownLines(const QString& text, QChar between)
 std::filesystem::path FilePath(const QString& path)
 {
 #ifdef _WIN32
-    return std::filesystem::path(path.toStdWString());
+    return std::filesystem::path(LongForm(path).toStdWString());
 #else
     return std::filesystem::path(TextToBytes(path).toStdString());
 #endif
@@ -111,7 +113,7 @@ std::filesystem::path FilePath(const QString& path)
 QString PathText(const std::filesystem::path& path)
 {
 #ifdef _WIN32
-    return QString::fromStdWString(path.native());
+    return ShortForm(QString::fromStdWString(path.native()));
 #else
     return BytesToText(QByteArray::fromStdString(path.native()));
 #endif

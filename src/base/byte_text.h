@@ -24,7 +24,7 @@ QString ShownText(const QString& text);
 /// what is given.
 QString ShownLines(const QString& text, QChar between);
 
-/// A path for the file system: on Unix the text's bytes, on Windows its UTF-16 form.
+/// A path for the file system: on Unix the text's bytes, on Windows its UTF-16 form, whatever its length.
 std::filesystem::path FilePath(const QString& path);
 
 /// The text of a path that came from the file system.

@@ -5,7 +5,11 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QMultiHash>
 #include <QScrollBar>
@@ -13,6 +17,9 @@
 #include <utility>
 
 namespace {
+
+constexpr double FixedPitchSize = 0.92;  // of the program's font, whose letters are narrower
+constexpr int FixedPitchStretch = 85;    // percent
 
 /// Where the entries of one list stand in another: -1 for those that are gone. What both begin and end with costs
 /// little, so that a small change in a long list does.
@@ -151,6 +158,17 @@ void ListBox::Clear()
     SetEntries({});
 }
 
+void ListBox::SetFixedPitch(bool on)
+{
+    QFont font;
+    if (on) {
+        font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        font.setPointSizeF(FixedPitchSize * QFontInfo(QApplication::font()).pointSizeF());
+        font.setStretch(FixedPitchStretch);
+    }
+    setFont(font);
+}
+
 bool ListBox::IsSelected(int index) const
 {
     return selectionModel()->isRowSelected(index, {});
@@ -199,6 +217,7 @@ void ListBox::mouseMoveEvent(QMouseEvent* event)
     if (!IsDragging()) return;
     const QPoint moved = event->position().toPoint() - DragStart;
     if (moved.manhattanLength() < QApplication::startDragDistance()) return;
+    if (DragOutside(event->globalPosition().toPoint())) return;
     const ListBox* target = TargetAt(event->globalPosition().toPoint());
     viewport()->setCursor(target != nullptr && target != this ? Qt::DragCopyCursor : Qt::ForbiddenCursor);
 }
@@ -249,6 +268,59 @@ void ListBox::hideEvent(QHideEvent* event)
 {
     EndDrag();
     QListView::hideEvent(event);
+}
+
+void ListBox::TakeFiles()
+{
+    TakesFiles = true;
+    setAcceptDrops(true);
+}
+
+void ListBox::OfferFiles(Offer offer)
+{
+    Offered = std::move(offer);
+}
+
+bool ListBox::DragOutside(const QPoint& global)
+{
+    if (!Offered.Files || window()->frameGeometry().contains(global)) return false;
+    const QList<QUrl> files = Offered.Files();
+    if (files.isEmpty()) return false;
+    EndDrag();
+    Offered.Drag(*this, files);
+    return true;
+}
+
+bool ListBox::Takes(const QDropEvent& event) const
+{
+    const QList<QUrl> files = event.mimeData()->urls();
+    return TakesFiles && event.possibleActions().testFlag(Qt::CopyAction) &&
+           std::any_of(files.begin(), files.end(), [](const QUrl& file) { return file.isLocalFile(); });
+}
+
+void ListBox::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragMoveEvent(event);
+}
+
+void ListBox::dragMoveEvent(QDragMoveEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(Takes(*event));
+}
+
+void ListBox::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    event->accept();
+}
+
+void ListBox::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(Takes(*event));
+    if (!event->isAccepted()) return;
+    QMetaObject::invokeMethod(
+        this, [this, files = event->mimeData()->urls()] { emit FilesDropped(files); }, Qt::QueuedConnection);
 }
 
 void ListBox::contextMenuEvent(QContextMenuEvent* event)

@@ -3,6 +3,8 @@
 #include <QItemSelectionModel>
 #include <QListView>
 #include <QStringList>
+#include <QUrl>
+#include <functional>
 #include <vector>
 
 class EntryDelegate;
@@ -13,7 +15,10 @@ class EntryModel;
 /// Every press of a mouse button on the list begins a drag, after a left press has changed the selection as usual;
 /// the release ends it and drops on the list box under the pointer, this one included. A right press never changes
 /// the selection. Escape, or the loss of the focus or of the window, ends a drag without a drop. Entries are byte-true
-/// (base/byte_text.h) and only shown harmlessly. User-interface thread.
+/// (base/byte_text.h) and only shown harmlessly.
+///
+/// A list may also take files from other programs, and hand its entries to them as files: then a drag by hand that
+/// leaves the window ends, and one of the desktop takes its place. User-interface thread.
 class ListBox : public QListView {
     Q_OBJECT
 
@@ -33,12 +38,27 @@ public:
     void Append(const QStringList& entries);
     void Clear();
 
+    /// Whether columns of the entries stand below each other: all letters have one width. They are drawn narrow, since
+    /// what matters stands at the end of long lines.
+    void SetFixedPitch(bool on);
+
     bool IsSelected(int index) const;
     QStringList SelectedEntries() const;  ///< in list order
 
     /// The highlighted entry, which the keyboard moves: 0 for the first, -1 for none.
     int ListIndex() const;
     void SetListIndex(int index);
+
+    /// From now on files of other programs can be dropped here.
+    void TakeFiles();
+
+    /// What a drag that leaves the window offers to other programs. Without any file the drag by hand goes on.
+    struct Offer {
+        std::function<QList<QUrl>()> Files;                                   ///< the addresses of the selected entries
+        std::function<void(QWidget& source, const QList<QUrl>& files)> Drag;  ///< as DragFiles does
+    };
+
+    void OfferFiles(Offer offer);
 
     bool IsDragging() const { return DragButton != Qt::NoButton; }
 
@@ -47,6 +67,9 @@ signals:
     void DblClicked();  ///< a double click with the left button on an entry, or the Return key
     void DeletePressed();
     void DragDropped(QWidget* source, QPoint at);  ///< something was dropped here, `at` in this list's viewport
+    /// Files of other programs were dropped here. Comes when the other program has been told, so that whatever follows
+    /// does not hold it up.
+    void FilesDropped(const QList<QUrl>& files);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -56,6 +79,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -69,11 +96,15 @@ private:
     void ScrollBack();
     void BeginDrag(const QMouseEvent& event);
     void EndDrag();
+    bool DragOutside(const QPoint& global);
+    bool Takes(const QDropEvent& event) const;
     ListBox* TargetAt(const QPoint& global) const;
 
     EntryModel* Model;
     EntryDelegate* Delegate;
     Qt::MouseButton DragButton = Qt::NoButton;  ///< whose release ends the drag
     QPoint DragStart;                           ///< in the viewport
-    int PlaceToFind = -1;                       ///< the view goes there once it has been laid out so far
+    bool TakesFiles = false;
+    Offer Offered;
+    int PlaceToFind = -1;  ///< the view goes there once it has been laid out so far
 };

@@ -1,5 +1,6 @@
 #include "inet/worker.h"
 
+#include "inet/proxy_system.h"
 #include "platform/pump.h"
 
 #include <asio/co_spawn.hpp>
@@ -8,10 +9,15 @@
 #include <utility>
 
 Worker::Worker()
-    : Work(asio::make_work_guard(Context)), Network(Context.get_executor()), Time(Context.get_executor()),
-      Session(
-          Network, Time,
-          {[this](int state) { Current.State(state); }, [this](std::string line) { Current.Remark(std::move(line)); }}),
+    : Work(asio::make_work_guard(Context)), Sockets(Context.get_executor()),
+      Network(Sockets, [](const std::string& host, std::uint16_t port) { return SystemProxy("ftp", host, port); }),
+      Time(Context.get_executor()),
+      Session(Network, Time,
+              {[this](int state) { Note(state); }, [this](std::string line) { Note(std::move(line)); },
+               [this](const Ftp::Progress& progress) { Note(progress); },
+               [this](unsigned number, Ftp::Certificate shown) {
+                   Note(Question{number, std::move(shown)});
+               }}),
       Thread([this] { Run(); })
 {
 }
@@ -20,7 +26,10 @@ Worker::Worker()
 Worker::~Worker()
 {
     Cancel();
-    asio::post(Context, [this] { Session.Drop(); });
+    asio::post(Context, [this] {
+        Session.Drop();
+        NotedDue.reset();
+    });
     Work.reset();
     Thread.join();
 }
@@ -34,22 +43,26 @@ void Worker::Run()
 void Worker::Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                      Listener listener)
 {
-    Start(Session.Perform(std::move(target), manner, std::move(operation), std::move(folder)), std::move(listener));
+    Ftp::Proxy via = target.Via;
+    Start(Session.Perform(std::move(target), manner, std::move(operation), std::move(folder)), std::move(via),
+          std::move(listener));
 }
 
-void Worker::Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener)
+void Worker::Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener)
 {
-    Start(Session.Fetch(std::move(target), manner), std::move(listener));
+    Ftp::Proxy via = target.Via;
+    Start(Session.Fetch(std::move(target), manner, std::move(file)), std::move(via), std::move(listener));
 }
 
-void Worker::Start(Ftp::Task<Ftp::Outcome> command, Listener listener)
+void Worker::Start(Ftp::Task<Ftp::Outcome> command, Ftp::Proxy via, Listener listener)
 {
     {
         const std::lock_guard guard(Lock);
         Busy = true;
     }
     asio::post(Context, [this, command = std::make_shared<Ftp::Task<Ftp::Outcome>>(std::move(command)),
-                         listener = std::move(listener)]() mutable {
+                         listener = std::move(listener), via = std::move(via)]() mutable {
+        Network.Use(std::move(via));
         Current = std::move(listener);
         asio::co_spawn(Context, Carry(std::move(*command)), asio::detached);
     });
@@ -64,7 +77,30 @@ Ftp::Task<> Worker::Carry(Ftp::Task<Ftp::Outcome> command)
         Busy = false;
         Changed.notify_all();
     }
-    Current.Ended(std::move(outcome));
+    Noted.emplace_back(std::move(outcome));
+    HandOver();
+}
+
+// Nobody sees a delay this short, and a command that ends sooner is told of in one go.
+void Worker::Note(News news)
+{
+    constexpr Ftp::Milliseconds Delay{5};
+    Noted.push_back(std::move(news));
+    if (!NotedDue)
+        NotedDue = Time.After(Delay, [this] {
+            NotedDue.reset();
+            HandOver();
+        });
+}
+
+void Worker::HandOver()
+{
+    if (!Noted.empty()) Current(std::exchange(Noted, {}));
+}
+
+void Worker::Answer(unsigned question, bool accepted)
+{
+    asio::post(Context, [this, question, accepted] { Session.Answer(question, accepted); });
 }
 
 void Worker::Drop()

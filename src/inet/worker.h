@@ -3,25 +3,37 @@
 #include "inet/ftp/asio_clock.h"
 #include "inet/ftp/session.h"
 #include "inet/ftp/socket_network.h"
+#include "inet/ftp/tunnel_network.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
+#include <variant>
+#include <vector>
 
 /// The transfer thread and the session that lives on it. Its members are called from one other thread; what it calls
 /// back is called on the transfer thread, and must only hand over.
 class Worker {
 public:
-    /// What one command tells while it runs and when it has ended.
-    struct Listener {
-        std::function<void(int)> State;
-        std::function<void(std::string)> Remark;
-        std::function<void(Ftp::Outcome)> Ended;
+    /// Whether a certificate may be used; to be answered with Answer.
+    struct Question {
+        unsigned Number = 0;
+        Ftp::Certificate Shown;
     };
+
+    /// One thing that a command tells: a state, a remark, how far a transfer has come, a question, or, last, how it
+    /// ended.
+    using News = std::variant<int, std::string, Ftp::Progress, Question, Ftp::Outcome>;
+
+    /// Takes what one command tells, in order. News come a few at a time: waking the other thread for each of them
+    /// would cost more than a small transfer.
+    using Listener = std::function<void(std::vector<News>)>;
 
     Worker();
     /// Ends what runs and joins the thread, within a fraction of a second.
@@ -32,7 +44,11 @@ public:
     /// One command at a time: the one before must have ended.
     void Perform(Ftp::Target target, Ftp::Manner manner, Ftp::Operation operation, std::filesystem::path folder,
                  Listener listener);
-    void Fetch(Ftp::Target target, Ftp::Manner manner, Listener listener);
+    /// Into `file`, or into memory when that is empty.
+    void Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener);
+
+    /// Answers the question of this number; nothing happens when nobody waits for it any more.
+    void Answer(unsigned question, bool accepted);
 
     /// Closes the session at once and in silence.
     void Drop();
@@ -42,15 +58,23 @@ public:
     bool Cancel();
 
 private:
-    void Start(Ftp::Task<Ftp::Outcome> command, Listener listener);
+    void Start(Ftp::Task<Ftp::Outcome> command, Ftp::Proxy via, Listener listener);
     Ftp::Task<> Carry(Ftp::Task<Ftp::Outcome> command);
+    void Note(News news);
+    void HandOver();
     void Run();
 
     asio::io_context Context;
     asio::executor_work_guard<asio::io_context::executor_type> Work;
-    Ftp::SocketNetwork Network;
+    Ftp::SocketNetwork Sockets;
+    Ftp::TunnelNetwork Network;
     Ftp::AsioClock Time;
-    Listener Current;  ///< transfer thread only
+
+    // Transfer thread only
+    Listener Current;
+    std::vector<News> Noted;                      ///< not handed over yet
+    std::unique_ptr<Ftp::Clock::Alarm> NotedDue;  ///< rings when they have to be
+
     Ftp::Session Session;
 
     std::mutex Lock;

@@ -2,6 +2,7 @@
 
 #include "base/byte_text.h"
 #include "base/conversions.h"
+#include "base/file_address.h"
 #include "base/formats.h"
 #include "controls/list_box.h"
 #include "dialogs/picture_viewer.h"
@@ -125,6 +126,15 @@ void LocalOperations::Command15_Click()
     Handle([this] {
         if (const QString name = Highlighted(); !name.isEmpty()) View(FullName(Folder(), name));
     });
+}
+
+QList<QUrl> LocalOperations::SelectedFiles() const
+{
+    const QString folder = CurrentFolder();
+    if (folder.isEmpty()) return {};
+    QList<QUrl> files;
+    for (const QString& name : List1.SelectedEntries()) files += FileAddress(FullName(folder, name));
+    return files;
 }
 
 void LocalOperations::View(const QString& fullName)

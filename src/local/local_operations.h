@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <functional>
 
 class ActivityLog;
@@ -50,6 +51,9 @@ public:
     void Command20_Click();  ///< asks, then erases the selected files
     void Command21_Click();  ///< asks for another name for the first selected file
     void List1_Click();      ///< an open viewer shows the file that was clicked
+
+    /// The addresses of the selected files, for other programs.
+    QList<QUrl> SelectedFiles() const;
 
 private:
     template <typename Body>

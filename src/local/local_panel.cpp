@@ -13,6 +13,8 @@
 #include <QScopedValueRollback>
 #include <QStyle>
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -55,6 +57,20 @@ void PrepareFilterBox(QComboBox& box)
     box.addItems(FilterPatterns());
     box.setCurrentIndex(-1);
     box.setEditText(shown);
+}
+
+bool IsFolder(const QString& path)
+{
+    std::error_code ignored;
+    return std::filesystem::is_directory(FilePath(path), ignored);
+}
+
+/// The folder, or the nearest one above it that is there.
+QString NearestFolder(const QString& path)
+{
+    std::filesystem::path folder = FilePath(path);
+    while (folder.has_relative_path() && !IsFolder(PathText(folder))) folder = folder.parent_path();
+    return PathText(folder);
 }
 
 }  // namespace
@@ -148,14 +164,30 @@ void LocalPanel::RefreshList()
 void LocalPanel::WatchFolder()
 {
     if (const QStringList watched = Watcher.directories(); !watched.isEmpty()) Watcher.removePaths(watched);
-    if (CurrentFolder().isEmpty()) return;
+    if (CurrentFolder().isEmpty()) {
+        WaitForFolder();
+        return;
+    }
     Watcher.addPath(CurrentOne);
     Watcher.addPath(OneAbove);
+}
+
+// What has gone may come back under its name: the nearest folder above that is still there tells.
+void LocalPanel::WaitForFolder()
+{
+    Watcher.addPath(NearestFolder(Folder));
+    // It may have come before the watch.
+    if (IsFolder(Folder)) FollowTimer.start();
 }
 
 void LocalPanel::FolderTouched(const QString& watched)
 {
     if (watched == OneAbove && CurrentFolder() == Folder) return;
+    const bool waiting = watched != CurrentOne && watched != OneAbove;
+    if (waiting && !IsFolder(Folder)) {
+        WatchFolder();
+        return;
+    }
     if (!FollowTimer.isActive()) FollowTimer.start();
 }
 

@@ -66,6 +66,7 @@ private:
     };
 
     void WatchFolder();
+    void WaitForFolder();
     void FolderTouched(const QString& watched);
     void Follow();
     bool MoveTo(const QString& folder);

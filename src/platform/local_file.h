@@ -5,23 +5,28 @@
 #include <filesystem>
 #include <string>
 
-/// Files of this machine as a transfer needs them. Failures are thrown as std::system_error. One thread at a time.
+/// Files of this machine as a transfer needs them. Failures are thrown as std::system_error with the system's number
+/// (see error_text.h). One thread at a time.
 
 /// A file that is being read.
-class ReadFile {
+class SourceFile {
 public:
-    explicit ReadFile(const std::filesystem::path& path);
-    ~ReadFile();
-    ReadFile(const ReadFile&) = delete;
-    ReadFile& operator=(const ReadFile&) = delete;
+    explicit SourceFile(const std::filesystem::path& path);
+    ~SourceFile();
+    SourceFile(const SourceFile&) = delete;
+    SourceFile& operator=(const SourceFile&) = delete;
 
     /// Up to `size` further bytes; 0 at the end.
     std::size_t Read(char* buffer, std::size_t size);
+
+    /// Bytes, when it was opened.
+    std::uint64_t Size() const { return Bytes; }
 
     int Descriptor() const { return File; }
 
 private:
     int File;
+    std::uint64_t Bytes = 0;
 };
 
 /// A file that is being written beside its target, under a hidden name, and takes the target's place only when it is

@@ -20,12 +20,13 @@ struct PumpResult {
     PumpEnd End = PumpEnd::Moved;
     /// What reached the target in this call, whatever its end.
     std::size_t Bytes = 0;
-    /// The system's number (errno) of a SourceError or TargetError, else 0.
+    /// The system's number (errno; GetLastError or WSAGetLastError on Windows) of a SourceError or TargetError, else 0.
     int Error = 0;
 };
 
 /// Makes a closed connection and a file that has grown too large errors instead of signals (SIGPIPE, SIGXFSZ) for the
-/// calling thread: the system's own ways of moving bytes cannot be told so call by call.
+/// calling thread: the system's own ways of moving bytes cannot be told so call by call. On Windows they are errors
+/// anyway.
 void BlockPumpSignals();
 
 /// What comes from a socket goes to a file, at the file's own position. Holds a MiB at most, whatever comes.
@@ -40,6 +41,10 @@ public:
     [[nodiscard]] PumpResult Move();
 
 private:
+#ifndef _WIN32
+    PumpResult MoveFirst();
+    void ReserveRoom();
+    void ReleaseRoom();
     bool OpenPipe();
     void ClosePipe();
     PumpResult MoveByPipe();
@@ -47,11 +52,17 @@ private:
     int EmptyPipe(std::size_t bytes, std::size_t& written);
     int EmptyPipeByBuffer(std::size_t bytes, std::size_t& written);
 
-    int Socket;
-    int File;
     int PipeBegin = -1;
     int PipeEnd = -1;
+    bool IsLong = false;  ///< so much has come at once that the system's own way is worth its beginning
     bool SystemRefuses = false;
+    bool MayReserve = false;
+    std::int64_t Place = 0;     ///< of the file
+    std::int64_t Reserved = 0;  ///< up to here the file system has been asked for room
+#endif
+
+    int Socket;
+    int File;
     std::vector<char> Buffer;
 };
 
@@ -63,12 +74,15 @@ public:
     [[nodiscard]] PumpResult Move();
 
 private:
+#ifndef _WIN32
     PumpResult MoveBySystem();
     PumpResult MoveByBuffer();
+
+    bool SystemRefuses = false;
+#endif
 
     int File;
     int Socket;
     std::int64_t Offset;
-    bool SystemRefuses = false;
     std::vector<char> Buffer;
 };

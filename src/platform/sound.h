@@ -7,8 +7,8 @@
 /// or file means silence and is no error. User-interface thread.
 class SoundPlayer {
 public:
-    /// `library` is the system's sound library, which is looked for when the first sound is played.
-    explicit SoundPlayer(const QString& library = QStringLiteral("libcanberra.so.0"));
+    /// `library` stands in for the system's sound library, which is looked for when the first sound is played.
+    explicit SoundPlayer(const QString& library = {});
     ~SoundPlayer();
     SoundPlayer(const SoundPlayer&) = delete;
     SoundPlayer& operator=(const SoundPlayer&) = delete;

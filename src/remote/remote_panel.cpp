@@ -54,6 +54,7 @@ void RemotePanel::ShowRemoteFileList()
         sinceYield.restart();
     }
     if (Use.State.ListingNumber != number) return;
+    Form.lstRemoteFiles.SetFixedPitch(!Use.Chosen.UnixListing);
     Form.lstRemoteFiles.SetEntries(entries);
     Form.Label2_0.setText(QString::number(std::max<qsizetype>(entries.size() - 1, 0)));
     Use.Pointer.SetNormalPointer();

@@ -18,6 +18,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QTimer>
 
 namespace {
 
@@ -57,6 +58,7 @@ void Connection::cmdConnect_Click()
             Use.Status.Show(error.Description);
             Use.Log.Add(error.Description);
         }
+        if (Use.MessageDue) Use.Timer5.start();
     });
 }
 

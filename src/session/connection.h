@@ -15,6 +15,7 @@ class QAbstractSlider;
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QTimer;
 class SettingsStore;
 class StatusLine;
 struct ConnectionValues;
@@ -50,6 +51,8 @@ public:
         BusyPointer& Pointer;
         ErrorRecord& Errors;
         FollowUps& Above;
+        const bool& MessageDue;  ///< a connect of this run looks for messages of the maker
+        QTimer& Timer5;          ///< fetches them
     };
 
     Connection(Controls controls, Tools tools);

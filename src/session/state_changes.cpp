@@ -2,6 +2,7 @@
 
 #include "inet/inet.h"
 #include "session/follow_ups.h"
+#include "session/state_texts.h"
 #include "session/transfer_state.h"
 #include "session/waits.h"
 #include "shell/activity_log.h"
@@ -9,41 +10,7 @@
 #include "shell/status_line.h"
 
 #include <QCheckBox>
-#include <array>
 #include <utility>
-
-namespace {
-
-struct StateText {
-    int State;
-    const char* Text;
-};
-
-// Looked through from the top: the second entry of Requesting is never reached.
-constexpr std::array StateTexts{
-    StateText{Inet::None, "Waiting..."},
-    StateText{Inet::ResolvingHost, "Resolving Host"},
-    StateText{Inet::HostResolved, "Host Resolved"},
-    StateText{Inet::Connecting, "Connecting..."},
-    StateText{Inet::Connected, "Connected!"},
-    StateText{Inet::Requesting, "Requesting..."},
-    StateText{Inet::RequestSent, "Request Sent"},
-    StateText{Inet::ReceivingResponse, "Receiving Response..."},
-    StateText{Inet::ResponseReceived, "Response Received!"},
-    StateText{Inet::Disconnecting, "Disconnecting..."},
-    StateText{Inet::Disconnected, "Disconnected"},
-    StateText{Inet::ResponseCompleted, "Response Completed!"},
-    StateText{Inet::Requesting, "Timing Out!"},
-};
-
-const char* TextOf(int state)
-{
-    for (const StateText& entry : StateTexts)
-        if (entry.State == state) return entry.Text;
-    return nullptr;
-}
-
-}  // namespace
 
 StateChanges::StateChanges(QCheckBox& check1, Tools tools) : Check1(check1), Use(std::move(tools)) {}
 
@@ -68,7 +35,7 @@ void StateChanges::React(int state)
 
 void StateChanges::Report(int state)
 {
-    const char* text = TextOf(state);
+    const char* text = StateText(state);
     if (text == nullptr) return;
     Use.Status.Show(text);
     if (state == Inet::Disconnected) {

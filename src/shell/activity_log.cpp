@@ -68,6 +68,7 @@ void ActivityLog::Show()
     Form.List2.show();
     Form.Command22.setText("X");
     Form.List2.raise();
+    Form.List2.scrollToBottom();
     Form.List2.setFocus();
     Form.Command23.show();
     Form.Command25.show();

@@ -62,6 +62,26 @@ Answer AnswerOf(int button, Question::Buttons choice)
     }
 }
 
+constexpr int LongestWord = 20;  // characters that find room in one line of a box
+
+/// Long names without a blank may be broken anywhere, or the box would cut them and what follows them off.
+QString Breakable(const QString& text)
+{
+    constexpr QChar MayBreakHere(0x200B);
+    QString broken;
+    int run = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QChar unit = text[at];
+        run = unit.isSpace() ? 0 : run + 1;
+        if (run > LongestWord && !unit.isLowSurrogate() && !unit.isMark()) {
+            broken += MayBreakHere;
+            run = 1;
+        }
+        broken += unit;
+    }
+    return broken;
+}
+
 }  // namespace
 
 MessageBoxAsker::MessageBoxAsker(QWidget& window, SoleInput& input) : Window(window), Input(input) {}
@@ -70,10 +90,11 @@ Answer MessageBoxAsker::Ask(const Question& question)
 {
     if (Ended) return SafeAnswer(question.Choice);
 
-    QMessageBox box(IconOf(question.Sign), question.Title, ShownLines(question.Text, '\n'), ButtonsOf(question.Choice),
-                    &Window);
+    QMessageBox box(IconOf(question.Sign), question.Title, Breakable(ShownLines(question.Text, '\n')),
+                    ButtonsOf(question.Choice), &Window);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::NonModal);
+    if (question.Careful) box.setDefaultButton(QMessageBox::No);
 
     QEventLoop loop;
     connect(&box, &QDialog::finished, &loop, &QEventLoop::quit);

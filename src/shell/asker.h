@@ -19,6 +19,7 @@ struct Question {
     Icon Sign = NoIcon;
     Buttons Choice = YesNo;
     bool Foreground = false;  ///< brought before the windows of other programs
+    bool Careful = false;     ///< Return alone means No
 };
 
 /// How a question was answered. Closing the box, Escape, or the end of the program give the safe answer: No or Cancel.

@@ -22,12 +22,19 @@ QStringView WithoutBlanks(QStringView text)
     return text;
 }
 
+void BeginCounting(int selected, TransferState& state)
+{
+    const int unfinished = state.BatchesRunning > 0 ? std::max(0, state.SelectedCount - state.FilesDone) : 0;
+    state.SelectedCount = selected + unfinished;
+    state.FilesDone = 0;
+}
+
+}  // namespace
+
 QString Quoted(const QString& name)
 {
     return u'"' + name + u'"';
 }
-
-}  // namespace
 
 Batch::Batch(TransferTools& tools)
     : Tools(tools), OwnNames(tools.State.TransferNames.first(
@@ -63,13 +70,11 @@ void Batch::TellCanceled()
     Tools.Pointer.SetNormalPointer();
 }
 
-bool Batch::Issue(int operationKind, bool& inProgress, const QString& word, const QString& name)
+bool Batch::Issue(int operationKind, bool& inProgress, const QString& operation, const QString& name)
 {
-    const QString quoted = Quoted(name);
-    Tools.State.CurrentFileName = quoted;
+    Tools.State.CurrentFileName = Quoted(name);
     inProgress = true;
-    if (Tools.Errors.Attempt([&] { Tools.Session.Execute(operationKind, word + u' ' + quoted + u' ' + quoted); }))
-        return true;
+    if (Tools.Errors.Attempt([&] { Tools.Session.Execute(operationKind, operation); })) return true;
     inProgress = false;
     Tools.Status.Show(Tools.Errors.Description());
     Tools.Log.AddWithDateTime(Tools.Errors.Description());
@@ -78,16 +83,20 @@ bool Batch::Issue(int operationKind, bool& inProgress, const QString& word, cons
 
 int CollectSelection(const ListBox& source, TransferState& state, bool trimmed)
 {
-    const int unfinished = state.BatchesRunning > 0 ? std::max(0, state.SelectedCount - state.FilesDone) : 0;
     int selected = 0;
     for (int index = 0; index < source.Count(); ++index) {
         if (!source.IsSelected(index)) continue;
         state.TransferNames.resize(++selected);
         state.TransferNames.back() = trimmed ? Trimmed(source.Entry(index)) : source.Entry(index);
     }
-    state.SelectedCount = selected + unfinished;
-    state.FilesDone = 0;
+    BeginCounting(selected, state);
     return selected;
+}
+
+void CollectNames(const QStringList& names, TransferState& state)
+{
+    state.TransferNames = names;
+    BeginCounting(static_cast<int>(names.size()), state);
 }
 
 void CountFinishedFile(TransferTools& tools, QAbstractButton& check1)

@@ -59,8 +59,9 @@ public:
     /// Tells the user that the Escape key has ended the run.
     void TellCanceled();
 
-    /// Issues one transfer command; the caller has waited. When the component refuses it, says so and returns false.
-    bool Issue(int operationKind, bool& inProgress, const QString& word, const QString& name);
+    /// Issues the command that transfers the named file; the caller has waited. When the component refuses it, says so
+    /// and returns false.
+    bool Issue(int operationKind, bool& inProgress, const QString& operation, const QString& name);
 
 private:
     TransferTools& Tools;
@@ -72,6 +73,12 @@ private:
 /// behind them stay. The counters begin anew, with the files that runs still on their way have not finished yet.
 /// Returns how many entries were selected.
 int CollectSelection(const ListBox& source, TransferState& state, bool trimmed);
+
+/// The same with names that are selected nowhere.
+void CollectNames(const QStringList& names, TransferState& state);
+
+/// A name as it stands in an operation text.
+QString Quoted(const QString& name);
 
 /// Counts a file that has been transferred. After the last one of all runs it plays the alarm and hangs up, where the
 /// option and Check1 ("Disconnect when done.") wish it, and begins counting anew.

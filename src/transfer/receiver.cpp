@@ -87,7 +87,8 @@ bool Receiver::GetFiles()
 void Receiver::ReceiveOne(Batch& batch, const QString& name)
 {
     LocalTarget = QDir::toNativeSeparators(CurrentFolder() + u'/') + name;
-    if (!batch.Issue(ReceiveKind, Tools.State.ReceiveInProgress, "GET", name)) return;
+    const QString quoted = Quoted(name);
+    if (!batch.Issue(ReceiveKind, Tools.State.ReceiveInProgress, "GET " + quoted + u' ' + quoted, name)) return;
     Tools.Status.Show("Receiving File " + Tools.State.CurrentFileName);
     Form.Check1.setEnabled(false);
     Tools.Pointer.SetBusyPointer();

@@ -5,6 +5,8 @@
 #include <QAbstractButton>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <QUrl>
 #include <cstdint>
 #include <functional>
 
@@ -25,6 +27,10 @@ public:
     void lstRemoteFiles_DragDrop(QWidget* source);
     void Image1_Click();  ///< sends the selected files without a drag
 
+    /// Sends files of this machine from wherever they lie, each under its own name. What is no file is told at the
+    /// end, in one sentence; the others are sent.
+    void lstRemoteFiles_FilesDropped(const QList<QUrl>& files);
+
     /// Sends the first TransferCount names from the current folder, one after another, and asks for a listing.
     /// A blank name ends the run. Always returns 0. Throws ProgramEnding.
     std::int32_t PutFiles();
@@ -33,8 +39,12 @@ public:
     void FinishSend();
 
 private:
+    bool MayDrop();
     void SendSelection();
-    bool SendOne(Batch& batch, const QString& name);
+    void SendFiles(const QList<QUrl>& files);
+    void SendAll(const QStringList& paths);
+    bool SendOne(Batch& batch, const QString& path, const QString& name);
+    void TellNotSent(const QStringList& names);
     bool MaySend(const QString& name);
     bool HasRemote(const QString& name) const;
 

@@ -16,6 +16,7 @@ private slots:
     void ReceivesIntoAnotherLocalName();
     void SendsAFile();
     void SendsUnderAnotherName();
+    void SendsFromAnotherFolder();
     void SendsAnEmptyFile();
     void DeletesAndMakesAndRemoves();
     void RenameTakesTwoCommands();
@@ -191,6 +192,28 @@ void ConversationTest::SendsUnderAnotherName()
     )");
     talk.MakeLocalFile("here", "x");
     QVERIFY_GOOD(talk.Do(R"(PUT "here" "folder/there")"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void ConversationTest::SendsFromAnotherFolder()
+{
+    const QTemporaryDir elsewhere;
+    QFile file(elsewhere.filePath("far away.txt"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("x") == 1);
+    file.close();
+    Conversation talk(LogIn + R"(
+        C: TYPE I
+        S: 200 fine
+        C: EPSV
+        S: 229 here (|||4001|)
+        -- listen 4001
+        C: STOR far away.txt
+        -- accept
+        S: 150 go on
+        U: x
+        S: 226 stored
+    )");
+    QVERIFY_GOOD(talk.Do("PUT \"" + file.fileName().toStdString() + R"(" "far away.txt")"));
     QVERIFY_FOLLOWED(talk);
 }
 

@@ -51,6 +51,10 @@ private slots:
     void FilesGoBothWays();
     void TheFolderCountsInWhichTheCommandWasGiven();
     void OpenURLHandsOverTheWholeFile();
+    void OpenURLIntoAReplyFileHandsTheBytesOutInPieces();
+    void AReplyFileGoesWithItsReply();
+    void AReplyFileThatCannotBeMadeIsAnError();
+    void ATextReplyCanBeTakenAsBytes();
     void OpenURLOfAMissingFileFails();
     void OpenURLOfAnotherProtocolFailsWithASentence();
     void OpenURLIsNotAnsweredAfterTheEnd();
@@ -443,6 +447,76 @@ void TransferComponentTest::OpenURLHandsOverTheWholeFile()
     QCOMPARE(downloads.first().Bytes, QByteArray("a\0\xff", 3));
     QCOMPARE(StatesSince(0).last(), int(Inet::ResponseCompleted));
     QTRY_COMPARE(Server->OpenConnections(), 0);
+}
+
+void TransferComponentTest::OpenURLIntoAReplyFileHandsTheBytesOutInPieces()
+{
+    QByteArray bytes(300'000, '\0');
+    for (qsizetype i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>((i * 7919) >> 5);
+    Server->Files["pub/big"] = bytes;
+    QList<Inet::Download> downloads;
+    Inet->SetReplyFile(Folder->filePath(".part"));
+    Inet->OpenURL("ftp://" + Address("/pub/big"), Inet::ByteArray,
+                  [&](const Inet::Download& got) { downloads << got; });
+    QTRY_COMPARE(downloads.size(), 1);
+    QVERIFY(downloads.first().Arrived);
+    QVERIFY(downloads.first().Bytes.isEmpty());
+    QCOMPARE(downloads.first().Size, bytes.size());
+    QByteArray taken;
+    for (QString chunk = Inet->GetChunk(1000, Inet::ByteArray); !chunk.isEmpty();
+         chunk = Inet->GetChunk(1000, Inet::ByteArray)) {
+        taken += chunk.toLatin1();
+    }
+    QVERIFY(taken == bytes);
+    QCOMPARE(Do("DIR").last(), int(Inet::ResponseCompleted));
+    QVERIFY(QDir(Folder->path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
+void TransferComponentTest::AReplyFileGoesWithItsReply()
+{
+    const QDir folder(Folder->path());
+    const auto nothingIsLeft = [&] { return folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot); };
+    Server->Files["big"] = QByteArray(100'000, 'x');
+    Server->DataLimit = 50'000;
+    Inet->SetReplyFile(Folder->filePath(".part"));
+    Inet->OpenURL(Address("/big"), Inet::ByteArray, {});
+    QTRY_VERIFY(!nothingIsLeft());
+    Inet->Cancel();
+    QVERIFY(nothingIsLeft());
+    QVERIFY(Inet->GetChunk(1000).isEmpty());
+
+    Server->DataLimit = -1;
+    Inet->SetReplyFile(Folder->filePath(".part"));
+    Inet->OpenURL(Address("/nowhere"), Inet::ByteArray, {});
+    QTRY_VERIFY(!Inet->StillExecuting());
+    QVERIFY(nothingIsLeft());
+
+    Inet->SetReplyFile(Folder->filePath(".part"));
+    Inet->OpenURL(Address("/big"), Inet::ByteArray, {});
+    QTRY_VERIFY(!Inet->StillExecuting());
+    QVERIFY(!nothingIsLeft());
+    States.reset();
+    Inet.reset();
+    QVERIFY(nothingIsLeft());
+}
+
+void TransferComponentTest::AReplyFileThatCannotBeMadeIsAnError()
+{
+    Server->Files["big"] = "text";
+    Inet->SetReplyFile(Folder->filePath("nowhere/.part"));
+    Inet->OpenURL(Address("/big"), Inet::ByteArray, {});
+    QVERIFY(WaitForEnd());
+    QCOMPARE(StatesSince(0).last(), int(Inet::Error));
+    QVERIFY2(Inet->ResponseInfo().contains(".part"), qPrintable(Inet->ResponseInfo()));
+}
+
+void TransferComponentTest::ATextReplyCanBeTakenAsBytes()
+{
+    Server->Listing = "\xc3\xa4\xff\r\n";
+    Do("DIR");
+    QCOMPARE(Inet->GetChunk(3, Inet::ByteArray).toLatin1(), QByteArray("\xc3\xa4\xff"));
+    QCOMPARE(Inet->GetChunk(1024, Inet::ByteArray).toLatin1(), QByteArray("\r\n"));
+    QVERIFY(Inet->GetChunk(1024, Inet::ByteArray).isEmpty());
 }
 
 void TransferComponentTest::OpenURLOfAMissingFileFails()

@@ -7,9 +7,9 @@ import sys
 CHECKOUT = pathlib.Path(__file__).resolve().parents[2]
 
 
-def operate(server, folder, operations):
+def operate(server, folder, operations, scheme="ftp"):
     """Carries out the operations in a local folder; returns the seconds and the peak of the memory in KiB."""
-    command = [CHECKOUT / "build/bench/bin/operate", f"ftp://{server.place}", server.user, server.password]
+    command = [CHECKOUT / "build/bench/bin/operate", f"{scheme}://{server.place}", server.user, server.password]
     ended = subprocess.run(command, cwd=folder, input="".join(line + "\n" for line in operations), text=True,
                            capture_output=True)
     if ended.returncode != 0:

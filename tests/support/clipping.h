@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStringList>
 #include <QStyle>
 #include <QStyleOptionButton>
@@ -65,7 +66,8 @@ private:
     static int LongestWord(const QWidget& widget)
     {
         int longest = 0;
-        for (const QString& word : Words(widget).split(' '))
+        static const QRegularExpression breaks("[ \n\\x{200B}]");
+        for (const QString& word : Words(widget).split(breaks))
             longest = std::max(longest, widget.fontMetrics().horizontalAdvance(word));
         return longest;
     }

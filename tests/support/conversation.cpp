@@ -12,6 +12,13 @@ Conversation::Conversation(const std::string& script, Disturbance disturbance)
     Ftp::Observer observer;
     observer.State = [this](int state) { States.push_back(state); };
     observer.Remark = [this](std::string line) { Remarks.push_back(std::move(line)); };
+    observer.Ask = [this](unsigned number, const Ftp::Certificate& shown) {
+        Asked.push_back(shown);
+        if (WhenAsked)
+            WhenAsked(number, shown);
+        else
+            Session->Answer(number, false);
+    };
     Session.emplace(Net, Clock, std::move(observer));
     Server.Play(script, std::move(disturbance));
 }

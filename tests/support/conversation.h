@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <asio/io_context.hpp>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -50,7 +51,9 @@ public:
     Ftp::Manner How{Limit, true};
     std::vector<int> States;
     std::vector<std::string> Remarks;
-    Ftp::Milliseconds LastDuration{0};  ///< of the last operation, on the clock
+    std::vector<Ftp::Certificate> Asked;                                      ///< the certificates that were put to us
+    std::function<void(unsigned number, const Ftp::Certificate&)> WhenAsked;  ///< when set, it answers; else No
+    Ftp::Milliseconds LastDuration{0};                                        ///< of the last operation, on the clock
     std::optional<Ftp::Session> Session;
 
 private:

@@ -1,6 +1,20 @@
 #include "support/loopback_server.h"
 
+#ifdef _WIN32
+#include <winsock2.h>
+#else
 #include <sys/socket.h>
+#endif
+
+namespace {
+
+#ifdef _WIN32
+constexpr int SendingSide = SD_SEND;
+#else
+constexpr int SendingSide = SHUT_WR;
+#endif
+
+}  // namespace
 
 LoopbackServer::LoopbackServer()
 {
@@ -17,7 +31,7 @@ LoopbackServer::~LoopbackServer()
 void LoopbackServer::HangUp()
 {
     const QList<QTcpSocket*> sockets = Clients.keys();
-    for (QTcpSocket* socket : sockets) ::shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
+    for (QTcpSocket* socket : sockets) ::shutdown(static_cast<int>(socket->socketDescriptor()), SendingSide);
 }
 
 void LoopbackServer::Greet()
@@ -113,7 +127,7 @@ void LoopbackServer::SendData(const std::shared_ptr<Client>& client, const QByte
     WithData(client, [this, client, bytes](QTcpSocket* data) {
         Tell(client, "150 coming");
         data->write(DataLimit < 0 ? bytes : bytes.left(DataLimit));
-        if (DataLimit >= 0) return;
+        if (DataLimit >= 0 && bytes.size() > DataLimit) return;
         connect(data, &QTcpSocket::disconnected, client->Socket, [client] { Tell(client, "226 done"); });
         data->disconnectFromHost();
     });

@@ -7,6 +7,7 @@
 #include "platform/current_folder.h"
 #include "session/waits.h"
 #include "shell/settings_store.h"
+#include "support/fake_display.h"
 #include "support/list_mouse.h"
 #include "support/real_servers.h"
 #include "support/scripted_asker.h"
@@ -56,6 +57,10 @@ public:
             Edited += path;
             return 4711;
         };
+        around.DragFiles = [](QWidget&, const QList<QUrl>&) {};
+        around.OpenAddress = [](const QString&) {};
+        around.Screen = &Screen;
+        around.MessageAddress = MessageAddress;
         around.Now = &QDateTime::currentDateTime;
         around.Quit = [] {};
         around.EndAtOnce = [] {};
@@ -135,7 +140,9 @@ public:
     QTemporaryDir Local;
     ScriptedAsker Questions;
     std::unique_ptr<ScriptedTextInput> Prompt;
-    QStringList Edited;  ///< the paths that the text editor was started with
+    FakeDisplay Screen;
+    QString MessageAddress;  ///< where the program looks for messages
+    QStringList Edited;      ///< the paths that the text editor was started with
     std::unique_ptr<MainWindow> Window;
 
 private:

@@ -2,9 +2,12 @@
 """Keeps one real FTP server alive on a free loopback port for as long as its caller lives.
 
     real_server.py vsftpd|proftpd|pure-ftpd|pyftpdlib --folder FILES [--address 127.0.0.1|::1] [--servers CACHE]
+                   [--tls explicit|implicit] [--tls-version 1.2|1.3]
 
 Serves FILES read-write to one user (see USERS), and to anonymous with any password a client is likely to send. Once
 the server accepts connections, one line of JSON tells what was started: {"port": ..., "user": ..., "password": ...}.
+With --tls it takes secure connections only, protects the data, too, and demands that data connections resume the TLS
+session where it knows how to; "authority" in the line of JSON is then the certificate that vouches for the server's.
 Then it reads commands: "kill" ends the server with all its sessions at once, as a crash would, and answers "killed";
 the end of the input (the caller closed it, or died) does the same and ends this program. Nothing is left running.
 
@@ -13,16 +16,18 @@ change to another user: what they write belongs to whoever started them.
   vsftpd     runs in its one-process mode, which knows anonymous users only; the password list makes "ftp" a user.
   proftpd    as an ordinary user anonymous needs a user namespace (unshare -r).
   pure-ftpd  insists on root and on changing the user: preloaded libraries make it believe so, in a user namespace
-             when started by an ordinary user.
+             when started by an ordinary user. It has no implicit TLS.
 """
 import argparse
 import ctypes
+import fcntl
 import getpass
 import json
 import os
 import pathlib
 import signal
 import socket
+import ssl
 import subprocess
 import sys
 import tempfile
@@ -54,15 +59,65 @@ def default_cache():
     return pathlib.Path(os.environ.get("TOLVANE_CACHE", CHECKOUT / ".cache")) / "servers"
 
 
+class Certificates:
+    """An authority of our own and a server's certificate by it, made once and kept in the cache."""
+
+    def __init__(self, cache):
+        self.folder = cache / "certificates"
+        self.authority, self.certificate = self.folder / "authority.pem", self.folder / "server.pem"
+        self.key = self.folder / "server.key"
+        self.both = self.folder / "both.pem"
+        self.folder.mkdir(parents=True, exist_ok=True)
+        with open(self.folder / ".lock", "w", encoding="ascii") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            if not self.both.exists():
+                self.make()
+
+    def make(self):
+        names = "subjectAltName=DNS:localhost,IP:127.0.0.1,IP:::1"
+        self.openssl("req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", "/CN=Loopback authority",
+                     "-keyout", "authority.key", "-out", "authority.pem")
+        self.openssl("req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", "/CN=localhost",
+                     "-addext", names, "-addext", "basicConstraints=critical,CA:FALSE", "-CA", "authority.pem",
+                     "-CAkey", "authority.key", "-keyout", "server.key", "-out", "server.pem")
+        self.both.write_text(self.key.read_text() + self.certificate.read_text())
+        self.both.chmod(0o600)
+
+    def openssl(self, *arguments):
+        subprocess.run(["openssl", *arguments], cwd=self.folder, check=True, capture_output=True)
+
+
+class Tls:
+    """How a server is to be secured."""
+
+    def __init__(self, implicit, version, certificates):
+        self.implicit, self.version, self.certificates = implicit, version, certificates
+
+    def library_settings(self):
+        """A configuration of OpenSSL that allows one version only; every server obeys it."""
+        return f"""
+            openssl_conf = settings
+            [settings]
+            ssl_conf = connections
+            [connections]
+            system_default = version
+            [version]
+            MinProtocol = TLSv{self.version or "1.2"}
+            MaxProtocol = TLSv{self.version or "1.3"}
+            """
+
+
 class Plan:
     """How one server is started: its command line and environment, with the files it needs in `work`."""
 
-    def __init__(self, kind, servers, work, folder, address, port):
+    def __init__(self, kind, servers, work, folder, address, port, tls):
         self.servers, self.work, self.folder = servers, work, folder
-        self.address, self.port = address, port
+        self.address, self.port, self.tls = address, port, tls
         self.user = USERS[kind]
         libraries = sorted({str(path.parent) for path in (servers / "lib").rglob("*.so*")})
         self.environment = dict(os.environ, LD_LIBRARY_PATH=":".join(libraries), TZ="UTC", LC_ALL="C.UTF-8")
+        if tls:
+            self.environment["OPENSSL_CONF"] = str(self.write("openssl.cnf", tls.library_settings()))
         self.command = {"vsftpd": self.vsftpd, "proftpd": self.proftpd, "pure-ftpd": self.pure_ftpd,
                         "pyftpdlib": self.pyftpdlib}[kind]()
 
@@ -91,6 +146,14 @@ class Plan:
             "delay_failed_login": 0, "seccomp_sandbox": "NO", "isolate": "NO", "isolate_network": "NO",
             "connect_from_port_20": "NO", "xferlog_enable": "NO", "vsftpd_log_file": self.work / "log",
         }
+        if self.tls:
+            settings |= {
+                "ssl_enable": "YES", "allow_anon_ssl": "YES", "force_anon_logins_ssl": "YES",
+                "force_anon_data_ssl": "YES", "require_ssl_reuse": "YES", "ssl_ciphers": "HIGH",
+                "rsa_cert_file": self.tls.certificates.certificate,
+                "rsa_private_key_file": self.tls.certificates.key,
+                "implicit_ssl": "YES" if self.tls.implicit else "NO",
+            }
         text = "".join(f"{key}={value}\n" for key, value in settings.items())
         return [self.servers / "vsftpd/usr/sbin/vsftpd", self.write("vsftpd.conf", text)]
 
@@ -135,6 +198,18 @@ class Plan:
                 </Limit>
             </Anonymous>
             """
+        if self.tls:
+            text += f"""
+            ModulePath {self.servers}/proftpd/usr/lib/proftpd
+            LoadModule mod_tls.c
+            TLSEngine on
+            TLSRequired on
+            TLSProtocol TLSv1.2 TLSv1.3
+            TLSRSACertificateFile {self.tls.certificates.certificate}
+            TLSRSACertificateKeyFile {self.tls.certificates.key}
+            TLSLog {self.work}/tls.log
+            {"TLSOptions UseImplicitSSL" if self.tls.implicit else ""}
+            """
         configuration = self.write("proftpd.conf", text)
         return self.as_root([self.servers / "proftpd/usr/sbin/proftpd", "--nodaemon", "--config", configuration])
 
@@ -152,11 +227,33 @@ class Plan:
         return self.as_root(["env", *(f"{key}={value}" for key, value in pretence.items()),
                              self.servers / "pure-ftpd/usr/sbin/pure-ftpd", "-S", f"{self.address},{self.port}",
                              "-l", f"puredb:{database}", "-H", "-u", "1", "-i", "-f", "none", "-L", "300000:5",
-                             "-g", self.work / "pid"])
+                             "-g", self.work / "pid", *self.pure_tls()])
+
+    def pure_tls(self):
+        if not self.tls:
+            return []
+        if self.tls.implicit:
+            sys.exit("real_server.py: pure-ftpd has no implicit TLS.")
+        return ["--tls=3", f"--certfile={self.tls.certificates.both}"]
 
     def pyftpdlib(self):
         library = self.servers / "pyftpdlib/usr/lib/python3/dist-packages"
         self.environment["PYTHONPATH"] = str(library)
+        handler = "FTPHandler"
+        securing = ""
+        if self.tls:
+            handler = "Secure"
+            securing = f"""
+from pyftpdlib.handlers import TLS_FTPHandler
+class Secure(TLS_FTPHandler):
+    certfile = {str(self.tls.certificates.both)!r}
+    tls_control_required = True
+    tls_data_required = True
+    def handle(self):
+        if {self.tls.implicit}:
+            self.secure_connection(self.ssl_context)
+        super().handle()
+"""
         program = f"""
 import socket
 from pyftpdlib.authorizers import DummyAuthorizer
@@ -170,7 +267,8 @@ authorizer.add_anonymous({str(self.folder)!r})
 FTPHandler.authorizer = authorizer
 FTPHandler.unicode_errors = "surrogateescape"
 FTPHandler.auth_failed_timeout = 0
-server = FTPServer(({self.address!r}, {self.port}), FTPHandler, backlog=200)
+{securing}
+server = FTPServer(({self.address!r}, {self.port}), {handler}, backlog=200)
 server.max_cons = 0
 server.serve_forever()
 """
@@ -184,14 +282,22 @@ def free_port(address):
         return probe.getsockname()[1]
 
 
-def accepts(address, port, process):
+def greeted(address, port, tls):
+    connection = socket.create_connection((address, port), timeout=5)
+    if tls and tls.implicit:
+        settings = ssl.create_default_context(cafile=str(tls.certificates.authority))
+        connection = settings.wrap_socket(connection, server_hostname=address)
+    with connection:
+        return connection.recv(3) == b"220"
+
+
+def accepts(address, port, process, tls):
     """True once the port accepts a connection and says something, False when the server has ended."""
     deadline = time.monotonic() + START_LIMIT
     while process.poll() is None and time.monotonic() < deadline:
         try:
-            with socket.create_connection((address, port), timeout=5) as greeted:
-                if greeted.recv(3) == b"220":
-                    return True
+            if greeted(address, port, tls):
+                return True
         except OSError:
             pass
         time.sleep(0.005)
@@ -224,17 +330,17 @@ def kill_all():
             return
 
 
-def start(kind, servers, work, folder, address):
+def start(kind, servers, work, folder, address, tls):
     last = ""
     for attempt in range(5):  # another program may take the port between the choice and the server's start
         place = work / str(attempt)
         place.mkdir()
-        plan = Plan(kind, servers, place, folder, address, free_port(address))
+        plan = Plan(kind, servers, place, folder, address, free_port(address), tls)
         with open(place / "output", "wb") as output:
             process = subprocess.Popen([str(part) for part in plan.command], env=plan.environment, cwd=place,
                                        stdin=subprocess.DEVNULL, stdout=output, stderr=output,
                                        preexec_fn=die_with_parent)
-        if accepts(address, plan.port, process):
+        if accepts(address, plan.port, process, tls):
             return plan
         kill_all()
         last = (place / "output").read_text(errors="replace").strip().splitlines()[-3:]
@@ -247,14 +353,23 @@ def main():
     parser.add_argument("--folder", required=True, type=pathlib.Path)
     parser.add_argument("--address", default="127.0.0.1")
     parser.add_argument("--servers", default=default_cache(), type=pathlib.Path)
+    parser.add_argument("--tls", choices=("explicit", "implicit"))
+    parser.add_argument("--tls-version", choices=("1.2", "1.3"))
     options = parser.parse_args()
+    tls = None
+    if options.tls:
+        tls = Tls(options.tls == "implicit", options.tls_version, Certificates(options.servers.parent))
     prctl(PR_SET_CHILD_SUBREAPER, 1)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
     signal.signal(signal.SIGINT, signal.SIG_IGN)
     with tempfile.TemporaryDirectory(prefix="ftp-server-") as work:
         try:
-            plan = start(options.kind, options.servers, pathlib.Path(work), options.folder.resolve(), options.address)
-            print(json.dumps({"port": plan.port, "user": plan.user, "password": PASSWORD}), flush=True)
+            plan = start(options.kind, options.servers, pathlib.Path(work), options.folder.resolve(), options.address,
+                         tls)
+            told = {"port": plan.port, "user": plan.user, "password": PASSWORD}
+            if tls:
+                told["authority"] = str(tls.certificates.authority)
+            print(json.dumps(told), flush=True)
             for line in sys.stdin:
                 if line.strip() == "kill":
                     kill_all()

@@ -1,13 +1,19 @@
 #include "support/real_servers.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#ifdef Q_OS_WIN
+#include <QTcpSocket>
+#else
+#include <QProcess>
+#endif
 
 namespace {
 
 constexpr int StartLimit = 60'000;  // milliseconds; the keeper gives up sooner
+
+#ifndef Q_OS_WIN
 constexpr int FetchLimit = 300'000;
 
 const QString Checkout = QStringLiteral(TOLVANE_SOURCE_FOLDER);
@@ -20,6 +26,7 @@ QString FetchServers()
     if (!fetch.waitForFinished(FetchLimit)) return QStringLiteral("tools/fetch-servers does not end.");
     return fetch.exitCode() == 0 ? QString() : QString::fromLocal8Bit(fetch.readAllStandardError());
 }
+#endif
 
 }  // namespace
 
@@ -38,44 +45,78 @@ QString RealServer::NameOf(Kind kind)
     return {};
 }
 
-RealServer::RealServer(Kind kind, const QString& address) : Address(address)
+RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version)
+    : Address(address), Safety(security)
 {
-    Trouble = FetchServers();
+    QStringList options;
+    if (security != Plain) options << QStringLiteral("--tls") << (security == ExplicitTls ? "explicit" : "implicit");
+    if (!version.isEmpty()) options << QStringLiteral("--tls-version") << version;
+    StartKeeper(NameOf(kind), options);
     if (!Trouble.isEmpty()) return;
-    Keeper.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    Keeper.start(Checkout + QStringLiteral("/tests/support/real_server.py"),
-                 {NameOf(kind), QStringLiteral("--address"), address, QStringLiteral("--folder"), Files.path()});
     const QJsonObject told = QJsonDocument::fromJson(ReadLine()).object();
     PortNumber = told.value(QStringLiteral("port")).toInt();
     UserName = told.value(QStringLiteral("user")).toString();
     Word = told.value(QStringLiteral("password")).toString();
+    AuthorityFile = told.value(QStringLiteral("authority")).toString();
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
+}
+
+#ifdef Q_OS_WIN
+
+void RealServer::StartKeeper(const QString& kind, const QStringList& options)
+{
+    auto desk = std::make_unique<QTcpSocket>();
+    desk->connectToHost(QStringLiteral("127.0.0.1"), qEnvironmentVariable("TOLVANE_SERVER_DESK").toUShort());
+    if (!desk->waitForConnected(StartLimit)) Trouble = QStringLiteral("Nobody starts servers: ") + desk->errorString();
+    const QStringList words = QStringList{kind, Address, Files.path()} + options;
+    desk->write((words.join(u' ') + u'\n').toUtf8());
+    Keeper = std::move(desk);
+}
+
+RealServer::~RealServer() = default;
+
+#else
+
+void RealServer::StartKeeper(const QString& kind, const QStringList& options)
+{
+    Trouble = FetchServers();
+    if (!Trouble.isEmpty()) return;
+    auto process = std::make_unique<QProcess>();
+    process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process->start(Checkout + QStringLiteral("/tests/support/real_server.py"),
+                   QStringList{kind, QStringLiteral("--address"), Address, QStringLiteral("--folder"), Files.path()} +
+                       options);
+    Keeper = std::move(process);
 }
 
 RealServer::~RealServer()
 {
-    if (Keeper.state() == QProcess::NotRunning) return;
-    Keeper.closeWriteChannel();
-    Keeper.waitForFinished(StartLimit);
+    auto* process = static_cast<QProcess*>(Keeper.get());
+    if (process == nullptr || process->state() == QProcess::NotRunning) return;
+    process->closeWriteChannel();
+    process->waitForFinished(StartLimit);
 }
+
+#endif
 
 QString RealServer::Url() const
 {
     const QString host = Address.contains(u':') ? u'[' + Address + u']' : Address;
-    return QStringLiteral("ftp://%1:%2").arg(host).arg(PortNumber);
+    const QString scheme = Safety == Plain ? "ftp" : Safety == ExplicitTls ? "ftpes" : "ftps";
+    return QStringLiteral("%1://%2:%3").arg(scheme, host).arg(PortNumber);
 }
 
 void RealServer::Kill()
 {
-    Keeper.write("kill\n");
+    Keeper->write("kill\n");
     if (ReadLine() != "killed\n") Trouble = QStringLiteral("The server could not be killed.");
 }
 
 QByteArray RealServer::ReadLine()
 {
     const QDeadlineTimer limit(StartLimit);
-    while (!Keeper.canReadLine() && !limit.hasExpired() && Keeper.state() != QProcess::NotRunning) {
-        Keeper.waitForReadyRead(static_cast<int>(limit.remainingTime()));
+    while (!Keeper->canReadLine() && !limit.hasExpired()) {
+        if (!Keeper->waitForReadyRead(static_cast<int>(limit.remainingTime()))) break;
     }
-    return Keeper.readLine();
+    return Keeper->readLine();
 }

@@ -1,22 +1,28 @@
 #pragma once
 
-#include <QProcess>
+#include <QIODevice>
 #include <QString>
 #include <QTemporaryDir>
+#include <memory>
 
 /// One real FTP server on a free loopback port, with a folder of its own that goes away with it. It accepts
 /// connections when the constructor returns; nothing of it is left running, even when the test crashes.
 ///
 /// The servers are those of tools/fetch-servers, which is asked to fetch them when they are not there; how each is
-/// set up, and what it needs as root or as an ordinary user, is told in real_server.py.
+/// set up, and what it needs as root or as an ordinary user, is told in real_server.py. A test that runs as a program
+/// for Windows has them started by the server_desk.py whose port is in TOLVANE_SERVER_DESK.
 class RealServer {
 public:
     enum Kind { Vsftpd, ProFtpd, PureFtpd, Pyftpdlib };
 
     static QString NameOf(Kind kind);
 
-    /// `address` is 127.0.0.1 or ::1.
-    explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"));
+    /// How the server is secured; with Tls it takes nothing else, and demands resumption where it knows how to.
+    enum Security { Plain, ExplicitTls, ImplicitTls };
+
+    /// `address` is 127.0.0.1 or ::1; `version` is 1.2 or 1.3, empty: both.
+    explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"), Security security = Plain,
+                        const QString& version = {});
     ~RealServer();
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
@@ -24,8 +30,11 @@ public:
     /// Empty when the server runs, else why it does not.
     QString Complaint() const { return Trouble; }
 
-    /// ftp://127.0.0.1:2121, ftp://[::1]:2121
+    /// ftp://127.0.0.1:2121, ftp://[::1]:2121; or ftpes:// or ftps://
     QString Url() const;
+
+    /// The file with the certificate that vouches for a secured server's.
+    QString Authority() const { return AuthorityFile; }
 
     int Port() const { return PortNumber; }
 
@@ -41,11 +50,14 @@ public:
     void Kill();
 
 private:
+    void StartKeeper(const QString& kind, const QStringList& options);
     QByteArray ReadLine();
 
     QString Address;
+    Security Safety;
+    QString AuthorityFile;
     QTemporaryDir Files;
-    QProcess Keeper;
+    std::unique_ptr<QIODevice> Keeper;  ///< who keeps the server alive as long as it is open
     int PortNumber = 0;
     QString UserName;
     QString Word;

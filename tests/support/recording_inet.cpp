@@ -2,6 +2,7 @@
 
 #include "base/run_time_error.h"
 
+#include <QFile>
 #include <QTimer>
 #include <utility>
 
@@ -90,6 +91,13 @@ void RecordingInet::Execute(const QString& url, const QString& operation, const 
     Schedule();
 }
 
+void RecordingInet::SetReplyFile(const QString& path)
+{
+    Put("ReplyFile", path);
+    IntoFile = !path.isEmpty();
+    ReplyPath = path;
+}
+
 void RecordingInet::OpenURL(const QString& address, DataType, WhenArrived whenArrived)
 {
     ThrowWhenRefused("OpenURL");
@@ -168,10 +176,24 @@ void RecordingInet::End(int state)
     Busy = false;
     Ahead.clear();
     const WhenArrived arrival = std::exchange(Arrival, nullptr);
-    Download download{state == ResponseCompleted, {}, Code, Info};
-    if (download.Arrived) download.Bytes = DownloadBytes;
+    Download download{state == ResponseCompleted, {}, 0, Code, Info};
+    if (arrival && download.Arrived) {
+        download.Size = DownloadBytes.size();
+        if (std::exchange(IntoFile, false)) {
+            Reply = QString::fromLatin1(DownloadBytes);
+            StoreReply();
+        } else {
+            download.Bytes = DownloadBytes;
+        }
+    }
     emit StateChanged(state);
     if (arrival) arrival(download);
+}
+
+void RecordingInet::StoreReply() const
+{
+    QFile file(ReplyPath);
+    if (file.open(QIODevice::WriteOnly)) file.write(DownloadBytes);
 }
 
 void RecordingInet::SetResponse(int code, const QString& info)

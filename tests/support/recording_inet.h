@@ -66,7 +66,11 @@ public:
 
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
+    bool MoreToCome = false;
+    CertificateJudge Judge;
 
+    /// With a reply file ("ReplyFile = path") DownloadBytes are written to it, and GetChunk hands them out.
+    void SetReplyFile(const QString& path) override;
     void SetAccessType(int access) override;
     void SetProxy(const QString& proxy) override;
     void SetURL(const QString& url) override;
@@ -90,13 +94,18 @@ public:
 
     QString ResponseInfo() const override { return Info; }
 
+    void SetCertificateJudge(CertificateJudge judge) override { Judge = std::move(judge); }
+
     void SetListingLineHelp(bool on) override { ListingLineHelp = on; }
+
+    void SetMoreToCome(bool more) override { MoreToCome = more; }
 
 private:
     void Put(const QString& member, const QString& value);
     void ThrowWhenRefused(const QString& member) const;
     void Begin(const QString& operation);
     Outcome OutcomeOf(const QString& operation);
+    void StoreReply() const;
     void Schedule();
     void Advance();
     void End(int state);
@@ -114,5 +123,7 @@ private:
     QString Info;
     bool Busy = false;
     bool Held = false;
+    bool IntoFile = false;  ///< the next download
+    QString ReplyPath;      ///< of that file
     bool SessionOpen = false;
 };

@@ -55,6 +55,7 @@ void SampleForm::FillIn()
     Dir1->SetEntries({"/", "home", "ann", "Documents", "Music", "Pictures"});
     List1->SetEntries({"index.html", "letter to the editor.txt", "logo.gif", "notes.txt", "summer.jpg"});
     List1->SetListIndex(1);
+    lstRemoteFiles->SetFixedPitch(true);
     lstRemoteFiles->SetEntries({"../", "drwxr-xr-x    4 1000     1000         4096 Mar 09 17:05 incoming",
                                 "-rw-r--r--    1 1000     1000      1048576 Mar 09 17:05 a picture of the sea.jpg",
                                 "-rw-r--r--    1 1000     1000         2210 Feb 11 08:30 read me first.txt"});

@@ -113,8 +113,11 @@ MemoryServer::Answer ScriptedServer::Accept(std::shared_ptr<MemoryLink> link)
 std::vector<asio::ip::address> ScriptedServer::Find(const std::string& host, bool& silent)
 {
     silent = LookupSilent;
-    if (host != "server.test") return {};
-    return Host;
+    if (host == "server.test") return Host;
+    asio::error_code error;
+    const asio::ip::address number = asio::ip::make_address(host, error);
+    if (error) return {};
+    return {number};
 }
 
 // The client is in the middle of its own step when it notifies; the server answers when that is over.
@@ -160,6 +163,7 @@ void ScriptedServer::Disturb()
 
 bool ScriptedServer::Try(const Step& step)
 {
+    if (step.Kind == "--" && Extra && Extra(step.Text, Control, Data)) return true;
     if (step.Kind == "--") return TryConnectionDirective(step.Text) || TryDirective(step.Text);
     if (step.Kind == "D:" || step.Kind == "U:") {
         if (!Data) return false;

@@ -3,6 +3,7 @@
 #include "support/manual_clock.h"
 #include "support/memory_network.h"
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -77,6 +78,11 @@ public:
 
     /// The client's control or data connections that are still open.
     std::size_t OpenLinks() const;
+
+    /// Obeys further directives on the control and the data connection, which it may replace; true when it has.
+    std::function<bool(const std::string& text, std::shared_ptr<MemoryLink>& control,
+                       std::shared_ptr<MemoryLink>& data)>
+        Extra;
 
     Answer Accept(std::shared_ptr<MemoryLink> link) override;
     std::vector<asio::ip::address> Find(const std::string& host, bool& silent) override;

@@ -9,6 +9,20 @@
 #include <cstring>
 #include <filesystem>
 
+namespace {
+
+/// The toolkit's own files know no name that is not UTF-8.
+std::FILE* OpenByteTrue(const QString& path, const char* mode)
+{
+#ifdef Q_OS_WIN
+    return _wfopen(FilePath(path).c_str(), QString::fromLatin1(mode).toStdWString().c_str());
+#else
+    return std::fopen(FilePath(path).c_str(), mode);
+#endif
+}
+
+}  // namespace
+
 QByteArray Pattern(qint64 size, quint32 seed)
 {
     QByteArray bytes(size, Qt::Uninitialized);
@@ -26,7 +40,7 @@ void Write(const QString& path, const QByteArray& bytes)
 {
     QFile file;
     file.setFileName(path);
-    std::FILE* handle = std::fopen(FilePath(path).c_str(), "wb");
+    std::FILE* handle = OpenByteTrue(path, "wb");
     QVERIFY2(handle != nullptr, qPrintable(path));
     QVERIFY(file.open(handle, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle));
     QCOMPARE(file.write(bytes), bytes.size());
@@ -35,7 +49,7 @@ void Write(const QString& path, const QByteArray& bytes)
 QByteArray Read(const QString& path)
 {
     QFile file;
-    std::FILE* handle = std::fopen(FilePath(path).c_str(), "rb");
+    std::FILE* handle = OpenByteTrue(path, "rb");
     if (handle == nullptr || !file.open(handle, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) return "(none)";
     return file.readAll();
 }

@@ -6,6 +6,7 @@
 #include "platform/current_folder.h"
 #include "session/waits.h"
 #include "shell/settings_store.h"
+#include "support/fake_display.h"
 #include "support/recording_inet.h"
 #include "support/scripted_asker.h"
 #include "support/scripted_text_input.h"
@@ -65,6 +66,7 @@ public:
         Prompt = std::make_unique<ScriptedTextInput>(Values->InputText);
         Sounds.clear();
         Edited.clear();
+        Opened.clear();
         Ends = 0;
         Settings = std::make_unique<SettingsStore>(SettingsFile());
         Inets.clear();
@@ -135,10 +137,14 @@ public:
     Language Texts;
     int Beeps = 0;
     int Quits = 0;
-    int Ends = 0;             ///< how often the process would have been ended at once
-    QStringList Sounds;       ///< the files that were played
-    QStringList Edited;       ///< the paths that the text editor was started with
-    QString EditorComplaint;  ///< when set, no editor can be started, for this reason
+    std::function<void()> End;  ///< when set, what else is done to end the process at once
+    int Ends = 0;               ///< how often the process would have been ended at once
+    QStringList Sounds;         ///< the files that were played
+    QStringList Edited;         ///< the paths that the text editor was started with
+    QList<QUrl> Dragged;        ///< the files that were dragged out of the window
+    QStringList Opened;         ///< the addresses that were handed to the browser
+    FakeDisplay Screen;         ///< the desktop's screen
+    QString EditorComplaint;    ///< when set, no editor can be started, for this reason
     QDateTime Now{QDate(2024, 3, 9), QTime(17, 5, 8)};
 
 private:
@@ -161,9 +167,16 @@ private:
             Edited += path;
             return 4711;
         };
+        around.DragFiles = [this](QWidget&, const QList<QUrl>& files) { Dragged += files; };
+        around.OpenAddress = [this](const QString& address) { Opened += address; };
+        around.Screen = &Screen;
+        around.MessageAddress = "https://maker.test/msg.txt";
         around.Now = [this] { return Now; };
         around.Quit = [this] { ++Quits; };
-        around.EndAtOnce = [this] { ++Ends; };
+        around.EndAtOnce = [this] {
+            ++Ends;
+            if (End) End();
+        };
         return around;
     }
 

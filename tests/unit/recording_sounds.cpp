@@ -2,6 +2,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <mutex>
 #include <string>
 
@@ -9,11 +10,26 @@ namespace {
 
 std::mutex Guard;
 std::string Played;
+#ifndef _WIN32
 int Contexts = 0;
+#endif
 
 }  // namespace
 
 extern "C" {
+
+#ifdef _WIN32
+
+int __stdcall sndPlaySoundW(const wchar_t* path, unsigned)
+{
+    const std::lock_guard lock(Guard);
+    const std::u8string text = std::filesystem::path(path).generic_u8string();
+    Played.append(text.begin(), text.end());
+    Played += '\n';
+    return 1;
+}
+
+#else
 
 int ca_context_create(void** context)
 {
@@ -44,16 +60,18 @@ int ca_context_play(void*, std::uint32_t number, ...)
     return 0;
 }
 
+int OpenContexts()
+{
+    const std::lock_guard lock(Guard);
+    return Contexts;
+}
+
+#endif
+
 void TakePlayed(char* into, std::size_t size)
 {
     const std::lock_guard lock(Guard);
     std::strncpy(into, Played.c_str(), size - 1);
     into[size - 1] = '\0';
-}
-
-int OpenContexts()
-{
-    const std::lock_guard lock(Guard);
-    return Contexts;
 }
 }

@@ -28,7 +28,9 @@ public:
     Recording() : Library(RECORDING_SOUNDS)
     {
         Take = reinterpret_cast<void (*)(char*, std::size_t)>(Library.resolve("TakePlayed"));
+#ifndef Q_OS_WIN
         Contexts = reinterpret_cast<int (*)()>(Library.resolve("OpenContexts"));
+#endif
     }
 
     QByteArray Played() const
@@ -40,7 +42,9 @@ public:
 
     QLibrary Library;
     void (*Take)(char*, std::size_t) = nullptr;
+#ifndef Q_OS_WIN
     int (*Contexts)() = nullptr;
+#endif
 };
 
 }  // namespace
@@ -48,7 +52,20 @@ public:
 void SoundTest::FilesArePlayedInTurnByTheSoundLibrary()
 {
     const Recording recording;
-    QVERIFY(recording.Take != nullptr && recording.Contexts != nullptr);
+    QVERIFY(recording.Take != nullptr);
+#ifdef Q_OS_WIN
+    // There the system would play a sound of its own for a missing file, so it is looked for.
+    const QTemporaryDir folder;
+    const QString one = folder.filePath("one.wav");
+    const QString two = folder.filePath(QString::fromUtf16(u"gr\u00FC two.wav"));
+    QVERIFY(QFile::copy(ALARM_FILE, one) && QFile::copy(ALARM_FILE, two));
+    SoundPlayer player(RECORDING_SOUNDS);
+    player.Play(one);
+    player.Play(two);
+    player.Play(folder.filePath("missing.wav"));
+    QTRY_COMPARE(recording.Played(), (one + '\n' + two + '\n').toUtf8());
+#else
+    QVERIFY(recording.Contexts != nullptr);
     {
         SoundPlayer player(RECORDING_SOUNDS);
         player.Play("/one.wav");
@@ -57,18 +74,23 @@ void SoundTest::FilesArePlayedInTurnByTheSoundLibrary()
         QCOMPARE(recording.Contexts(), 1);
     }
     QTRY_COMPARE(recording.Contexts(), 0);
+#endif
 }
 
 void SoundTest::AMissingLibraryIsSilence()
 {
-    SoundPlayer player("libno-such-sounds.so.0");
+    SoundPlayer player("libno-such-sounds");
     player.Play(ALARM_FILE);
     player.Play(ALARM_FILE);
 }
 
 void SoundTest::ALibraryWithoutTheEntriesIsSilence()
 {
+#ifdef Q_OS_WIN
+    SoundPlayer player("kernel32.dll");
+#else
     SoundPlayer player("libc.so.6");
+#endif
     player.Play(ALARM_FILE);
 }
 

@@ -1,13 +1,23 @@
+#include "app/end_at_once.h"
 #include "inet/transfer_component.h"
+#include "support/loopback_server.h"
 #include "support/window_fixture.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
-#include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
+#ifndef Q_OS_WIN
+#include <QProcess>
+#include <condition_variable>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+#endif
 
 /// How the program ends: the real one when the system tells it to, and the window with real components while a server
 /// keeps it waiting.
@@ -15,15 +25,21 @@ class EndOfProgramTest : public QObject {
     Q_OBJECT
 
 private slots:
+#ifndef Q_OS_WIN
     void ARequestOfTheSystemEndsTheProgram_data();
     void ARequestOfTheSystemEndsTheProgram();
     void ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage();
+    void ARequestOfTheSystemEndsTheProgramDuringATransfer();
+    void EndingAtOnceWaitsForNobodyAndStoresNothing();
+#endif
     void AServerThatSaysNothingHoldsNobodyUp();
     void AServerThatStopsHalfWayHoldsNobodyUp();
     void AHangUpThatWaitsForASilentServerHoldsNobodyUp();
 
 private:
-    static void Start(QProcess& program, const QString& home);
+#ifndef Q_OS_WIN
+    static void Start(QProcess& program, const QString& home, const QString& steps = {});
+#endif
     static void Connect(WindowFixture& program, quint16 port);
     static void CloseAndMeasure(WindowFixture& program);
 };
@@ -35,12 +51,18 @@ constexpr int Limit = 20'000;
 
 }  // namespace
 
-void EndOfProgramTest::Start(QProcess& program, const QString& home)
+#ifndef Q_OS_WIN
+void EndOfProgramTest::Start(QProcess& program, const QString& home, const QString& steps)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("TOLVANE_HOME", home);
     environment.insert("XDG_CONFIG_HOME", home);
     environment.insert("QT_QPA_PLATFORM", "offscreen");
+    if (!steps.isEmpty()) {
+        environment.insert("QT_QPA_GENERIC_PLUGINS", "typist");
+        environment.insert("QT_PLUGIN_PATH", TYPIST_PLUGINS);
+        environment.insert("TOLVANE_TYPIST", steps);
+    }
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(home);
     // Whoever runs the tests in the background may have these ignored.
@@ -98,6 +120,90 @@ void EndOfProgramTest::ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage(
     QVERIFY(!QFile::exists(home.path() + "/Temp"));
     QCOMPARE(SettingsStore(file).Read("Language", "(absent)"), QString("(absent)"));
 }
+
+void EndOfProgramTest::ARequestOfTheSystemEndsTheProgramDuringATransfer()
+{
+    const QTemporaryDir home;
+    {
+        SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
+        settings.Write("FLanguage", "1");
+    }
+    const auto files = [&] { return QDir(home.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); };
+    QFile old(home.filePath("first"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("as it was") > 0);
+    old.close();
+    LoopbackServer server;
+    server.Files["first"] = QByteArray(1 << 20, 'x');
+    server.DataLimit = 1000;
+    const QString address = QString("ftp://127.0.0.1:%1").arg(server.Port());
+    QProcess program;
+    Start(program, home.path(),
+          "type txtURL " + address + "|click cmdConnect|rows lstRemoteFiles 2|pick lstRemoteFiles 0|click Image2");
+    QTRY_VERIFY_WITH_TIMEOUT(server.Commands.contains("RETR first"), Limit);
+    QTRY_COMPARE_WITH_TIMEOUT(files().filter(".part").size(), 1, Limit);
+
+    QCOMPARE(kill(static_cast<pid_t>(program.processId()), SIGTERM), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QProcess::NotRunning, Limit);
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QTRY_COMPARE(server.OpenConnections(), 0);
+    QCOMPARE(files(), (QStringList{"Tolvane.dta", "first"}));
+    QVERIFY(old.open(QIODevice::ReadOnly));
+    QCOMPARE(old.readAll(), QByteArray("as it was"));
+    const SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
+    QCOMPARE(settings.Read("SaveURL", "(absent)"), address);
+    QCOMPARE(settings.Read("SaveDrive", "(absent)"), home.path());
+}
+
+namespace {
+
+/// The program while a command hangs that cannot be cancelled and a thread of it never returns. Its user presses the
+/// exit button and chooses Retry. Ends with 3 when it does not end at once.
+int HangAndEnd(const QString& home)
+{
+    static std::condition_variable never;
+    static std::mutex lock;
+    std::thread hanging([] {
+        std::unique_lock held(lock);
+        never.wait(held, [] { return false; });
+    });
+    std::atexit([] { std::_Exit(3); });
+    WindowFixture program(home);
+    program.End = &EndAtOnce;
+    program.Store("SaveURL", "as it was");
+    program.Open();
+    program.Questions.Reply = [](const Question&) { return Answer::Retry; };
+    program.Inet1().Hold();
+    program.Inet1().DeafToCancels = 1'000'000;
+    program.Control<QComboBox>("txtURL").setEditText("ftp://host");
+    program.Click("cmdConnect");
+    std::printf("%s\n", qPrintable(program.SettingsFile()));
+    std::fflush(stdout);
+    program.Click("Command2");
+    hanging.join();
+    return 3;
+}
+
+}  // namespace
+
+void EndOfProgramTest::EndingAtOnceWaitsForNobodyAndStoresNothing()
+{
+    const QTemporaryDir home;
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", home.path());  // what the ended program leaves goes with it
+    program.setProcessEnvironment(environment);
+    program.start(QCoreApplication::applicationFilePath(), {"--hang", home.path()});
+    QVERIFY(program.waitForFinished(Limit));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    const QString file = QString::fromUtf8(program.readAllStandardOutput()).trimmed();
+    const SettingsStore settings(file);
+    QCOMPARE(settings.Read("SaveURL", "(absent)"), QString("as it was"));
+    QCOMPARE(settings.Read("SaveDrive", "(absent)"), QString("(absent)"));
+}
+
+#endif
 
 void EndOfProgramTest::Connect(WindowFixture& program, quint16 port)
 {
@@ -162,5 +268,13 @@ void EndOfProgramTest::AHangUpThatWaitsForASilentServerHoldsNobodyUp()
     QVERIFY2(sinceClose.elapsed() < Limit, qPrintable(QString::number(sinceClose.elapsed())));
 }
 
-QTEST_MAIN(EndOfProgramTest)
+int main(int count, char** words)
+{
+    QApplication program(count, words);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == "--hang") return HangAndEnd(arguments.value(2));
+    EndOfProgramTest test;
+    return QTest::qExec(&test, count, words);
+}
+
 #include "end_of_program_test.moc"

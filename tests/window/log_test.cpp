@@ -15,6 +15,7 @@ private slots:
 
     void TheLogIsHiddenAtFirst();
     void ShowingTheLogGivesItTheFocusAndItsButtons();
+    void TheNewestLineIsInSight();
     void HidingTheLogMovesTheFocusToTheLocalFiles();
     void SavingWritesEveryLine();
     void SavingTwiceAppendsTwice();
@@ -63,6 +64,16 @@ void LogTest::ShowingTheLogGivesItTheFocusAndItsButtons()
     QVERIFY(Program->Control<QWidget>("Command23").isVisible());
     QVERIFY(Program->Control<QWidget>("Command25").isVisible());
     QCOMPARE(Program->Control<QPushButton>("Command22").text(), QString("X"));
+}
+
+void LogTest::TheNewestLineIsInSight()
+{
+    for (int number = 0; number < 200; ++number) Program->Inet1().Remark("line " + QString::number(number));
+    Program->Click("Command22");
+    const auto& log = Program->Control<QAbstractItemView>("List2");
+    const QModelIndex last = log.model()->index(log.model()->rowCount() - 1, 0);
+    QVERIFY(last.data().toString().contains("line 199"));
+    QVERIFY(log.viewport()->rect().contains(log.visualRect(last).center()));
 }
 
 void LogTest::HidingTheLogMovesTheFocusToTheLocalFiles()

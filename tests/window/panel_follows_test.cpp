@@ -6,7 +6,9 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#ifndef Q_OS_WIN
 #include <unistd.h>
+#endif
 
 /// The local panel follows what other programs do in its folder.
 class PanelFollowsTest : public QObject {
@@ -30,17 +32,30 @@ private slots:
     void TheFolderThatWasMovedToIsFollowed();
     void ManyChangesAreGathered();
     void AFolderThatVanishesIsTold();
+    void AFolderThatComesBackIsShownAgain();
+    void AFolderThatComesBackWithTheOneAboveIsShownAgain();
     void AFolderThatIsRenamedKeepsItsFiles();
+#ifndef Q_OS_WIN
     void AFolderWithoutPermissionIsTold();
+#endif
     void AFolderWhoseNameIsNoTextIsFollowed();
     void AHundredThousandFilesCauseNoPause();
 
 private:
-    ListBox& Files() const { return Driver->Files(); }
+    ListBox& Files() const
+    {
+        return Driver->Files();
+    }
 
-    ListBox& Folders() const { return Driver->Control<ListBox>("Dir1"); }
+    ListBox& Folders() const
+    {
+        return Driver->Control<ListBox>("Dir1");
+    }
 
-    QString Inside(const QString& name) const { return Driver->LocalFolder() + '/' + name; }
+    QString Inside(const QString& name) const
+    {
+        return Driver->LocalFolder() + '/' + name;
+    }
 
     void MakeNumbered(int count) const
     {
@@ -214,6 +229,44 @@ void PanelFollowsTest::AFolderThatVanishesIsTold()
     ChangeCurrentFolder(Driver->LocalFolder());
 }
 
+void PanelFollowsTest::AFolderThatComesBackIsShownAgain()
+{
+    const QTemporaryDir top;
+    const QString folder = top.path() + "/there";
+    QVERIFY(QDir().mkdir(folder));
+    ChangeCurrentFolder(folder);
+    Driver->Open();
+    QVERIFY(QDir().rmdir(folder));
+    QTRY_VERIFY2(Driver->Status().startsWith("Cannot open folder"), qPrintable(Driver->Status()));
+    // Others come and go meanwhile.
+    QVERIFY(QDir().mkdir(top.path() + "/another"));
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(QFile(folder + "/new").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), QStringList{"new"});
+    QCOMPARE(CurrentFolder(), folder);
+    QVERIFY(QFile(folder + "/newer").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), (QStringList{"new", "newer"}));
+    Driver->Close();
+    ChangeCurrentFolder("/");
+}
+
+void PanelFollowsTest::AFolderThatComesBackWithTheOneAboveIsShownAgain()
+{
+    const QTemporaryDir top;
+    const QString folder = top.path() + "/above/there";
+    QVERIFY(QDir().mkpath(folder));
+    ChangeCurrentFolder(folder);
+    Driver->Open();
+    QVERIFY(QDir(top.path() + "/above").removeRecursively());
+    QTRY_VERIFY2(Driver->Status().startsWith("Cannot open folder"), qPrintable(Driver->Status()));
+    QVERIFY(QDir().mkdir(top.path() + "/above"));
+    QVERIFY(QDir().mkdir(folder));
+    QVERIFY(QFile(folder + "/new").open(QIODevice::WriteOnly));
+    QTRY_COMPARE(PanelDriver::Entries(Files()), QStringList{"new"});
+    Driver->Close();
+    ChangeCurrentFolder("/");
+}
+
 void PanelFollowsTest::AFolderThatIsRenamedKeepsItsFiles()
 {
     QVERIFY(QDir().mkdir(Inside("deeper")));
@@ -229,6 +282,7 @@ void PanelFollowsTest::AFolderThatIsRenamedKeepsItsFiles()
     QTRY_COMPARE(Files().Count(), 2);
 }
 
+#ifndef Q_OS_WIN
 // Who may read everything sees no difference.
 void PanelFollowsTest::AFolderWithoutPermissionIsTold()
 {
@@ -243,6 +297,7 @@ void PanelFollowsTest::AFolderWithoutPermissionIsTold()
         QCOMPARE(Driver->Status(), "Cannot open folder " + CurrentFolder() + "/deeper: Permission denied");
     std::filesystem::permissions(Inside("deeper").toStdString(), std::filesystem::perms::owner_all);
 }
+#endif
 
 void PanelFollowsTest::AFolderWhoseNameIsNoTextIsFollowed()
 {

@@ -15,7 +15,9 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#ifndef Q_OS_WIN
 #include <sys/stat.h>
+#endif
 
 class PictureViewerTest : public QObject {
     Q_OBJECT
@@ -47,7 +49,9 @@ private slots:
     void WhatIsNoPictureGivesASentence_data();
     void WhatIsNoPictureGivesASentence();
     void APictureAfterASentenceIsShownAgain();
+#ifndef Q_OS_WIN
     void APipeIsNotWaitedFor();
+#endif
     void ANameThatIsNoUtf8IsOpened();
     void NoFileCostsMoreThanAQuarterGigabyte_data();
     void NoFileCostsMoreThanAQuarterGigabyte();
@@ -61,7 +65,10 @@ private:
         return path;
     }
 
-    PicView& View() const { return *Window->findChildren<PicView*>().last(); }
+    PicView& View() const
+    {
+        return *Window->findChildren<PicView*>().last();
+    }
 
     bool IsShown() const
     {
@@ -69,7 +76,10 @@ private:
         return !views.isEmpty() && views.last()->isVisible();
     }
 
-    PictureBox& Image1() const { return *View().findChild<PictureBox*>("Image1"); }
+    PictureBox& Image1() const
+    {
+        return *View().findChild<PictureBox*>("Image1");
+    }
 
     QString Sentence() const
     {
@@ -383,6 +393,7 @@ void PictureViewerTest::APictureAfterASentenceIsShownAgain()
     QVERIFY(Image1().isVisible());
 }
 
+#ifndef Q_OS_WIN
 void PictureViewerTest::APipeIsNotWaitedFor()
 {
     const QString pipe = Folder->filePath("pipe.bmp");
@@ -390,6 +401,7 @@ void PictureViewerTest::APipeIsNotWaitedFor()
     Viewer->Show(pipe);
     QTRY_COMPARE(Sentence(), QString("The file cannot be read."));
 }
+#endif
 
 void PictureViewerTest::ANameThatIsNoUtf8IsOpened()
 {

@@ -31,6 +31,7 @@ private slots:
     void AHangUpDuringAMoveIsNotUndone();
     void TheButtonMovesOneFolderUp();
     void TheButtonAsksForNamesWithTheUnixOption();
+    void ColumnsOfFullLinesStandBelowEachOther();
     void TheUnixEntryIsSavedAndChangesOnlyLaterListings();
 
 private:
@@ -304,6 +305,21 @@ void RemotePanelTest::TheButtonAsksForNamesWithTheUnixOption()
     Driver->Choose("mnuUNIX");
     Driver->Click("Command4");
     QCOMPARE(Driver->Operations(), (QStringList{"CDUP", "LS"}));
+}
+
+void RemotePanelTest::ColumnsOfFullLinesStandBelowEachOther()
+{
+    Driver->Open();
+    const QFont before = Driver->Remote().font();
+    const auto widthOf = [&](const QString& text) { return Driver->Remote().fontMetrics().horizontalAdvance(text); };
+    Driver->Connect({"-rw-r--r--   1 ftp      ftp          1024 Mar 09 17:05 a.txt"});
+    QCOMPARE(widthOf("iiiiii"), widthOf("WWWWWW"));
+    Driver->Choose("mnuUNIX");
+    QCOMPARE(widthOf("iiiiii"), widthOf("WWWWWW"));
+    Driver->SetListing({"a.txt"});
+    Driver->Click("Command4");
+    QTRY_COMPARE(PanelDriver::Entries(Driver->Remote()), QStringList{"a.txt"});
+    QCOMPARE(Driver->Remote().font(), before);
 }
 
 void RemotePanelTest::TheUnixEntryIsSavedAndChangesOnlyLaterListings()

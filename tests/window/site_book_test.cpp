@@ -1,122 +1,14 @@
-#include "shell/activity_log.h"
-#include "shell/busy_pointer.h"
-#include "shell/connection_values.h"
-#include "shell/options.h"
-#include "shell/settings_store.h"
-#include "shell/status_line.h"
-#include "sites/site_book.h"
-#include "support/scripted_asker.h"
+#include "support/site_book_bench.h"
 
-#include <QAbstractItemView>
-#include <QFile>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QVBoxLayout>
-#include <memory>
-
-namespace {
-
-const QDateTime Noon(QDate(2024, 5, 6), QTime(12, 0));
-
-/// A window with the book's controls, and everything that the book works with.
-struct Desk {
-    explicit Desk(const QString& folder)
-        : Settings(folder + "/settings.ini"),
-          Log(
-              {List2, Command22, Command23, Command25, List1}, folder, Pointer, [] {}, [] { return Noon; }),
-          Book({txtURL, txtUserName, txtPassword, Command17, mnuSavFTPAddress},
-               {Address, Chosen, Values, Settings, Questions, Status, Log, Errors,
-                [](int number) { return QString("string %1").arg(number); }, [this] { ++Beeps; }},
-               folder)
-    {
-        auto* layout = new QVBoxLayout(&Window);
-        for (QWidget* widget : std::initializer_list<QWidget*>{&txtURL, &txtUserName, &txtPassword, &Command17})
-            layout->addWidget(widget);
-        mnuSavFTPAddress.setCheckable(true);
-        mnuSavFTPAddress.setChecked(true);
-        Chosen.SaveAllInformation = true;
-        Window.show();
-        Window.activateWindow();
-    }
-
-    void Connect(const QString& url, const QString& user, const QString& password)
-    {
-        Values.SavedUrl = url;
-        Values.SavedUser = user;
-        Values.SavedPassword = password;
-        Book.AddCurrentSite();
-    }
-
-    QStringList List() const
-    {
-        QStringList entries;
-        for (int entry = 0; entry < txtURL.count(); ++entry) entries += txtURL.itemText(entry);
-        return entries;
-    }
-
-    void OpenList()
-    {
-        QTest::mouseClick(&txtURL, Qt::LeftButton, {}, QPoint(txtURL.width() - 5, txtURL.height() / 2));
-        QTRY_VERIFY(txtURL.view()->isVisible());
-    }
-
-    void PickWithMouse(int entry)
-    {
-        OpenList();
-        QAbstractItemView& view = *txtURL.view();
-        const QPoint at = view.visualRect(view.model()->index(entry, 0)).center();
-        QTest::mouseMove(view.viewport(), at);
-        // The list takes no click as long as it may still belong to the one that opened it.
-        QTRY_VERIFY((QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, at), !view.isVisible()));
-    }
-
-    void Type(const QString& text)
-    {
-        txtURL.setFocus();
-        QTest::keyClicks(txtURL.lineEdit(), text);
-    }
-
-    QStringList Boxes() const { return {txtURL.currentText(), txtUserName.text(), txtPassword.text()}; }
-
-    QWidget Window;
-    QComboBox txtURL{&Window};
-    QLineEdit txtUserName{&Window};
-    QLineEdit txtPassword{&Window};
-    QPushButton Command17{&Window};
-    QListView List2{&Window};
-    QWidget List1{&Window};
-    QPushButton Command22{&Window};
-    QPushButton Command23{&Window};
-    QPushButton Command25{&Window};
-    QLabel sbFTP{"Waiting ...", &Window};
-    QAction mnuSavFTPAddress{&Window};
-
-    AddressState Address;
-    Options Chosen;
-    ConnectionValues Values;
-    SettingsStore Settings;
-    ScriptedAsker Questions;
-    StatusLine Status{sbFTP};
-    BusyPointer Pointer;
-    ActivityLog Log;
-    ErrorRecord Errors;
-    int Beeps = 0;
-    SiteBook Book;
-};
-
-const Site Ann{"ftp://a", "ann", "1"};
-const Site Bob{"ftp://b", "bob", "2"};
-const Site Cid{"ftp://c", "cid", "3"};
-
-}  // namespace
-
-class SiteBookTest : public QObject {
+/// What the site book loads, adds and erases.
+class SiteBookTest : public QObject, SiteBookBench {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+
+    void init() { SetUp(); }
+
+    void cleanup() { TearDown(); }
 
     void AMissingFileYieldsAnEmptyBookAndIsCreated();
     void LoadingFillsTheListOnlyWhenAsked();
@@ -126,19 +18,6 @@ private slots:
     void ABookWithOneRecordTooManyLoadsNothingAndTakesNothing();
     void AFullBookTakesNoMore();
 
-    void PickingWithTheMouseFillsTheBoxes();
-    void PickingWithTheKeysFillsTheBoxes();
-    void PickingTheSameEntryAgainFillsTheBoxesAgain();
-    void DollarsStandForEmptyValues();
-    void WithoutSavingAllInformationTheBoxesAreLeftAlone();
-    void TypingLeavesNoSelectionAndEmptiesTheBoxes();
-    void TypingAfterAPickDeselectsButKeepsTextAndCursor();
-    void TypingAnAddressOfTheBookPicksNothing();
-    void DroppingTheListDownWithoutASelectionEmptiesTheBoxes();
-    void AnEntryBehindTheBookLeavesTheBoxesAlone();
-    void BeforeTheFirstLoadNothingIsFilledIn();
-    void AnAnnouncedChangeIsIgnoredOnce();
-
     void AnEmptyAddressBeepsAndWritesNothing();
     void ANewSiteIsAppendedToFileListAndArrays();
     void TheSameAddressTwiceLeavesOneRecord();
@@ -146,7 +25,6 @@ private slots:
     void ReplacingRewritesTheRecordAndListsTheAddressTwice();
     void ReplacingWithoutAMatchAppends();
     void EmptyValuesAreStoredAsMarksAndMarkTheConnectionValues();
-    void AnEmptyUserAndPasswordArePickedAsEmptyBoxes();
     void AnAddressOf300CharactersIsCutTo270();
     void AnAddThatCannotBeWrittenIsQuiet();
     void TheReplaceButtonShowsAPlusWhileItIsSet();
@@ -165,39 +43,7 @@ private slots:
 
     void SavingAllInformationIsTurnedOff();
     void SavingAllInformationIsTurnedOn();
-
-private:
-    QString Name() const { return Folder->filePath("Tolvane.dta"); }
-
-    QByteArray Bytes() const
-    {
-        QFile file(Name());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-    }
-
-    void Write(const QByteArray& bytes) const
-    {
-        QFile file(Name());
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(bytes), bytes.size());
-    }
-
-    void WriteThree() const { Write(EncodeSite(1, Ann) + EncodeSite(2, Bob) + EncodeSite(3, Cid)); }
-
-    std::unique_ptr<QTemporaryDir> Folder;
-    std::unique_ptr<Desk> My;
 };
-
-void SiteBookTest::init()
-{
-    Folder = std::make_unique<QTemporaryDir>();
-    My = std::make_unique<Desk>(Folder->path());
-}
-
-void SiteBookTest::cleanup()
-{
-    My.reset();
-}
 
 void SiteBookTest::AMissingFileYieldsAnEmptyBookAndIsCreated()
 {
@@ -276,158 +122,6 @@ void SiteBookTest::AFullBookTakesNoMore()
     QVERIFY(Bytes() == full);
 }
 
-void SiteBookTest::PickingWithTheMouseFillsTheBoxes()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->PickWithMouse(1);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://b", "bob", "2"}));
-    My->PickWithMouse(2);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://c", "cid", "3"}));
-}
-
-void SiteBookTest::PickingWithTheKeysFillsTheBoxes()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->txtURL.setFocus();
-    QTest::keyClick(&My->txtURL, Qt::Key_Down);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "ann", "1"}));
-    QTest::keyClick(&My->txtURL, Qt::Key_Down);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://b", "bob", "2"}));
-    QTest::keyClick(&My->txtURL, Qt::Key_Up);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "ann", "1"}));
-}
-
-void SiteBookTest::PickingTheSameEntryAgainFillsTheBoxesAgain()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->PickWithMouse(0);
-    My->txtUserName.setText("else");
-    My->txtPassword.clear();
-    My->PickWithMouse(0);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "ann", "1"}));
-
-    QTest::keyClick(My->txtURL.lineEdit(), Qt::Key_Backspace);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://", "", ""}));
-    My->PickWithMouse(0);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "ann", "1"}));
-}
-
-void SiteBookTest::DollarsStandForEmptyValues()
-{
-    Write(EncodeSite(1, {"ftp://a", "$", "$ "}) + EncodeSite(2, {"ftp://b", "$x", "  $"}));
-    My->Book.GetURLs(true);
-    QCOMPARE(My->Book.Arrays().Passwords, (QStringList{"", "$", "$"}));
-    My->txtUserName.setText("old");
-    My->txtPassword.setText("old");
-    My->PickWithMouse(0);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "", ""}));
-    My->PickWithMouse(1);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://b", "$x", ""}));
-}
-
-void SiteBookTest::WithoutSavingAllInformationTheBoxesAreLeftAlone()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->Chosen.SaveAllInformation = false;
-    My->txtUserName.setText("me");
-    My->PickWithMouse(1);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://b", "me", ""}));
-    My->Type("x");
-    QCOMPARE(My->txtUserName.text(), QString("me"));
-}
-
-void SiteBookTest::TypingLeavesNoSelectionAndEmptiesTheBoxes()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->txtUserName.setText("me");
-    My->txtPassword.setText("secret");
-    My->Type("f");
-    QCOMPARE(My->Boxes(), (QStringList{"f", "", ""}));
-    QCOMPARE(My->txtURL.currentIndex(), -1);
-}
-
-void SiteBookTest::TypingAfterAPickDeselectsButKeepsTextAndCursor()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->PickWithMouse(1);
-    QLineEdit& edit = *My->txtURL.lineEdit();
-    My->txtURL.setFocus();
-    edit.setCursorPosition(6);
-    QTest::keyClicks(&edit, "xy");
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://xyb", "", ""}));
-    QCOMPARE(edit.cursorPosition(), 8);
-    QCOMPARE(My->txtURL.currentIndex(), -1);
-}
-
-void SiteBookTest::TypingAnAddressOfTheBookPicksNothing()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->Type("ftp://b");
-    My->txtUserName.setText("me");
-    QTest::keyClick(My->txtURL.lineEdit(), Qt::Key_Return);
-    My->txtPassword.setFocus();
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://b", "me", ""}));
-    QCOMPARE(My->txtURL.currentIndex(), -1);
-    QCOMPARE(My->txtURL.count(), 3);
-
-    My->txtURL.lineEdit()->clear();
-    My->Type("ftp://");
-    QCOMPARE(My->txtURL.currentText(), QString("ftp://"));  // completes nothing
-    My->txtURL.lineEdit()->clear();
-    My->Type("FTP://A");
-    My->txtPassword.setFocus();
-    QCOMPARE(My->txtURL.currentText(), QString("FTP://A"));
-}
-
-void SiteBookTest::DroppingTheListDownWithoutASelectionEmptiesTheBoxes()
-{
-    WriteThree();
-    My->Book.GetURLs(true);
-    My->Address.AddressRestored = true;
-    My->txtURL.setEditText("ftp://restored");
-    My->txtUserName.setText("me");
-    My->OpenList();
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://restored", "", ""}));
-}
-
-void SiteBookTest::AnEntryBehindTheBookLeavesTheBoxesAlone()
-{
-    Write(EncodeSite(1, Ann));
-    My->Book.GetURLs(true);
-    My->Book.GetURLs(true);
-    My->PickWithMouse(0);
-    My->txtUserName.setText("me");
-    QTest::keyClick(&My->txtURL, Qt::Key_Down);
-    QCOMPARE(My->txtURL.currentIndex(), 1);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "me", "1"}));
-}
-
-void SiteBookTest::BeforeTheFirstLoadNothingIsFilledIn()
-{
-    My->txtUserName.setText("me");
-    My->Type("x");
-    QCOMPARE(My->txtUserName.text(), QString("me"));
-}
-
-void SiteBookTest::AnAnnouncedChangeIsIgnoredOnce()
-{
-    My->Book.GetURLs(true);
-    My->txtUserName.setText("me");
-    My->Address.AddressRestored = true;
-    My->txtURL.setEditText("ftp://restored");
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://restored", "me", ""}));
-    QVERIFY(!My->Address.AddressRestored);
-    My->txtURL.setEditText("ftp://set");
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://set", "", ""}));
-}
-
 void SiteBookTest::AnEmptyAddressBeepsAndWritesNothing()
 {
     My->Connect("", "me", "secret");
@@ -496,15 +190,6 @@ void SiteBookTest::EmptyValuesAreStoredAsMarksAndMarkTheConnectionValues()
     QCOMPARE(Bytes(), EncodeSite(1, {"ftp://a", "$", "$ "}));
     QCOMPARE(My->Values.SavedUser, QString("$"));
     QCOMPARE(My->Values.SavedPassword, QString("$ "));
-}
-
-void SiteBookTest::AnEmptyUserAndPasswordArePickedAsEmptyBoxes()
-{
-    My->Connect("ftp://a", "", "");
-    My->txtUserName.setText("old");
-    My->txtPassword.setText("old");
-    My->PickWithMouse(0);
-    QCOMPARE(My->Boxes(), (QStringList{"ftp://a", "", ""}));
 }
 
 void SiteBookTest::AnAddressOf300CharactersIsCutTo270()
@@ -682,5 +367,4 @@ void SiteBookTest::SavingAllInformationIsTurnedOn()
 }
 
 QTEST_MAIN(SiteBookTest)
-
 #include "site_book_test.moc"

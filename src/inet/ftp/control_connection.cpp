@@ -4,6 +4,7 @@
 #include <array>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
+#include <iterator>
 #include <utility>
 
 namespace Ftp {
@@ -34,6 +35,7 @@ struct ControlConnection::Shared {
     Reply Last;
     std::size_t Heard = 0;
     std::function<void(const Reply&)> Listener;
+    std::function<void()> EndListener;
     std::optional<Failure> Ended;  ///< why nothing more will come
     bool SaidGoodbye = false;      ///< 421
 };
@@ -74,25 +76,81 @@ Task<> ControlConnection::ReadOn(std::shared_ptr<Shared> shared)
     }
     shared->Stream->Abort();
     shared->Changed.Wake();
+    if (shared->EndListener) shared->EndListener();
 }
 
 Task<> ControlConnection::Send(std::string line)
 {
+    co_await Begin(std::move(line));
+    Owed = Ahead.size();
+}
+
+Task<> ControlConnection::Begin(std::string line)
+{
     RequireSendable(line);
+    if (!Ahead.empty() && Ahead.front() != line) co_await GiveUpAhead();
+    if (!Ahead.empty()) {
+        Ahead.pop_front();
+        if (Sent) Sent();
+        co_return;
+    }
     if (!IsAlive()) ThrowWhyEnded();
+    DropUnasked();
+    line += "\r\n";
+    co_await Write(std::move(line));
+    if (Sent) Sent();
+}
+
+Task<> ControlConnection::SendAhead(std::vector<std::string> lines)
+{
+    std::string bytes;
+    for (const std::string& line : lines) {
+        if (!IsSendable(line)) co_return;
+        bytes += line + "\r\n";
+    }
+    if (!IsAlive()) ThrowWhyEnded();
+    if (Ahead.empty()) DropUnasked();
+    if (Odd) co_return;
+    co_await Write(std::move(bytes));
+    std::move(lines.begin(), lines.end(), std::back_inserter(Ahead));
+    Owed = Ahead.size();
+    Answered = 0;
+}
+
+void ControlConnection::DropUnasked()
+{
     for (const Reply& reply : std::exchange(Line->Replies, {})) {
+        Odd = true;
         if (Unasked) Unasked(reply);
     }
-    Nudged = false;
-    line += "\r\n";
+}
+
+Task<> ControlConnection::GiveUpAhead()
+{
+    Odd = Odd || Answered > 0;
+    while (!Ahead.empty()) {
+        (void)co_await HearFinal();
+        Ahead.pop_front();
+    }
+    Owed = 0;
+}
+
+Task<> ControlConnection::Write(std::string bytes)
+{
     const Guard guard(Why, Time, *Line->Stream, Limit);
-    co_await Line->Stream->Write(std::move(line));
-    if (Sent) Sent();
+    co_await Line->Stream->Write(std::move(bytes));
+}
+
+// A server that has answered one of the lines sent together, and has the others, answers them as well before long; one
+// that has thrown them away must not cost the whole limit.
+Milliseconds ControlConnection::Patience() const
+{
+    return MayBlameAhead() ? Limit / 2 : Limit;
 }
 
 Task<Reply> ControlConnection::Hear()
 {
-    const Guard guard(Why, Time, *Line->Stream, Limit);
+    const Guard guard(Why, Time, *Line->Stream, Patience());
     while (Line->Replies.empty()) {
         if (Line->Ended) ThrowWhyEnded();
         co_await Line->Changed.Wait();
@@ -112,8 +170,14 @@ Task<Reply> ControlConnection::HearFinal()
 
 Task<Reply> ControlConnection::Say(std::string line)
 {
-    co_await Send(std::move(line));
-    co_return co_await HearFinal();
+    const bool ahead = !Ahead.empty();
+    co_await Begin(std::move(line));
+    Reply reply = co_await HearFinal();
+    if (ahead && Owed > 0) {
+        --Owed;
+        ++Answered;
+    }
+    co_return reply;
 }
 
 Task<Reply> ControlConnection::Expect(std::string line)
@@ -123,30 +187,23 @@ Task<Reply> ControlConnection::Expect(std::string line)
     co_return reply;
 }
 
-bool ControlConnection::HasReply() const
+void ControlConnection::SetListeners(std::function<void(const Reply&)> reply, std::function<void()> end)
 {
-    return !Line->Replies.empty();
+    for (const Reply& one : Line->Replies) reply(one);
+    Line->Listener = std::move(reply);
+    Line->EndListener = std::move(end);
+    if (Line->Ended) Line->EndListener();
 }
 
-Task<> ControlConnection::WaitForReplyOrNudge()
+bool ControlConnection::HasUnasked() const
 {
-    const Guard guard(Why, Time, *Line->Stream, Limit);
-    while (Line->Replies.empty() && !Nudged) {
-        if (Line->Ended) ThrowWhyEnded();
-        co_await Line->Changed.Wait();
-    }
-    Nudged = false;
+    return !Line->Replies.empty() || !Line->Parser.Untouched();
 }
 
-void ControlConnection::Nudge()
+void ControlConnection::RemoveListeners()
 {
-    Nudged = true;
-    Line->Changed.Wake();
-}
-
-void ControlConnection::SetReplyListener(std::function<void(const Reply&)> listener)
-{
-    Line->Listener = std::move(listener);
+    Line->Listener = {};
+    Line->EndListener = {};
 }
 
 bool ControlConnection::IsAlive() const
@@ -171,7 +228,7 @@ std::size_t ControlConnection::Heard() const
 
 void ControlConnection::Close()
 {
-    Line->Listener = {};
+    RemoveListeners();
     if (!Line->Ended) Line->Ended = Failure{Failure::Connection, AbortedError, "The connection was closed."};
     Line->Stream->Abort();
     Line->Changed.Wake();

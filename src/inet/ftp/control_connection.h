@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ftp {
 
@@ -29,6 +30,27 @@ public:
     /// Request, before anything is sent, when the line holds a control character.
     Task<> Send(std::string line);
 
+    /// Sends command lines in one go that Say, Expect and Send are about to be called with, in this order. They then
+    /// find their line on its way already, so the lines cost one round trip between them. A line that was not foretold
+    /// waits until the replies to the lines foretold in its place have come, and they are dropped. Lines that are
+    /// ahead already stay ahead of these.
+    Task<> SendAhead(std::vector<std::string> lines);
+
+    /// This line, and no other, was sent ahead and not asked for yet.
+    bool IsOnlyAhead(const std::string& line) const { return Ahead.size() == 1 && Ahead.front() == line; }
+
+    /// Lines were sent ahead, and are not all answered or given up.
+    bool IsAhead() const { return Owed > 0; }
+
+    /// The same, and the first of them was answered: whatever went wrong since may be the fault of sending ahead.
+    bool MayBlameAhead() const { return Owed > 0 && Answered > 0; }
+
+    /// Waits for what is owed to lines sent ahead that nobody will ask for.
+    Task<> GiveUpAhead();
+
+    /// The server has once answered otherwise than one reply to each command: nothing should be sent ahead to it.
+    bool IsOdd() const { return Odd; }
+
     /// The next reply, preliminary ones (1xx) included.
     Task<Reply> Hear();
 
@@ -41,15 +63,13 @@ public:
     /// The same, but any other than a good one (2xx) is thrown as Failure of the kind Refused.
     Task<Reply> Expect(std::string line);
 
-    /// A reply of the command now running has come, whether somebody waits for it or not.
-    bool HasReply() const;
+    /// Something has come that nobody asked for, be it part of a line.
+    bool HasUnasked() const;
 
-    /// Waits until HasReply, or until Nudge is called. Throws like Hear.
-    Task<> WaitForReplyOrNudge();
-    void Nudge();
-
-    /// Called for each reply as it comes; nothing when empty.
-    void SetReplyListener(std::function<void(const Reply&)> listener);
+    /// `reply` is called for each reply as it comes, those that have come already and were not heard included; `end`
+    /// when no more can come.
+    void SetListeners(std::function<void(const Reply&)> reply, std::function<void()> end);
+    void RemoveListeners();
 
     /// Called when a command line has been handed to the system; nothing when empty.
     void SetSendListener(std::function<void()> listener) { Sent = std::move(listener); }
@@ -76,6 +96,10 @@ public:
 private:
     struct Shared;
     static Task<> ReadOn(std::shared_ptr<Shared> shared);
+    Task<> Begin(std::string line);
+    void DropUnasked();
+    Task<> Write(std::string bytes);
+    Milliseconds Patience() const;
     [[noreturn]] void ThrowWhyEnded() const;
 
     std::shared_ptr<Shared> Line;
@@ -84,7 +108,11 @@ private:
     Milliseconds Limit;
     std::function<void()> Sent;
     std::function<void(const Reply&)> Unasked;
-    bool Nudged = false;
+
+    std::deque<std::string> Ahead;  ///< lines sent ahead that were not asked for yet
+    std::size_t Owed = 0;           ///< those of them whose replies were not heard yet
+    std::size_t Answered = 0;       ///< those whose replies were
+    bool Odd = false;
 };
 
 /// Whether a text can be part of a command: one with a byte below 0x20 or with 0x7F would become another command.

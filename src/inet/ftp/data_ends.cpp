@@ -1,6 +1,8 @@
 #include "inet/ftp/data_ends.h"
 
+#include "base/local_name.h"
 #include "inet/ftp/failure.h"
+#include "platform/error_text.h"
 
 #include <system_error>
 
@@ -46,7 +48,7 @@ void FileSink::Keep()
 Failure LocalFailure(const std::filesystem::path& path, int error)
 {
     return {Failure::LocalFile, InternalError,
-            "The local file " + path.filename().string() + " failed: " + std::generic_category().message(error) + "."};
+            "The local file " + PathBytes(path.filename()) + " failed: " + SystemErrorText(error) + "."};
 }
 
 }  // namespace Ftp

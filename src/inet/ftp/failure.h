@@ -33,7 +33,12 @@ enum ErrorNumber {
     ConnectError = 12029,
     AbortedError = 12030,
     ResetError = 12031,
+    CertificateDateError = 12037,
+    CertificateNameError = 12038,
+    CertificateAuthorityError = 12045,
     ResponseError = 12152,
+    SecureChannelError = 12157,
+    CertificateError = 12169,
 };
 
 }  // namespace Ftp

@@ -1,20 +1,25 @@
 #include "inet/ftp/guard.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace Ftp {
 
 void Intent::Cancel()
 {
     Cancelled = true;
-    const std::vector<Abortable*> waiting = Waiting;
-    for (Abortable* one : waiting) one->Abort();
+    const std::vector<Guard*> waiting = Waiting;
+    for (Guard* one : waiting) one->WaitedFor.Abort();
 }
 
 void Intent::Reset()
 {
     Cancelled = false;
     TimedOut = false;
+}
+
+void Intent::Rest()
+{
+    if (Waiting.empty()) Alarm.reset();
 }
 
 Failure Intent::Explain(Failure failure) const
@@ -24,18 +29,40 @@ Failure Intent::Explain(Failure failure) const
     return failure;
 }
 
+void Intent::WakeBy(Clock& clock, Milliseconds deadline)
+{
+    if (Alarm && Due <= deadline) return;
+    Due = deadline;
+    Alarm = clock.After(deadline - clock.Now(), [this, &clock] { LookAround(clock); });
+}
+
+// Progress only notes the time, so an alarm may come too early for every guard; the next one is set for what is left.
+void Intent::LookAround(Clock& clock)
+{
+    const std::unique_ptr<Clock::Alarm> rung = std::move(Alarm);
+    const std::vector<Guard*> waiting = Waiting;
+    for (Guard* one : waiting) {
+        if (one->HasExpired || one->Limit == Guard::Unlimited) continue;
+        if (one->Deadline() <= clock.Now())
+            one->Expire();
+        else
+            WakeBy(clock, one->Deadline());
+    }
+}
+
 Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds limit)
     : Why(intent), Time(clock), WaitedFor(waitedFor), Limit(limit), LastProgress(clock.Now())
 {
     if (Why.Cancelled) throw Failure{Failure::Cancelled, CancelledError, "The command was cancelled."};
-    Why.Waiting.push_back(&WaitedFor);
-    Arm(Limit);
+    Why.Waiting.push_back(this);
+    if (Limit != Unlimited) Why.WakeBy(Time, Deadline());
 }
+
+Guard::Guard(Intent& intent, Clock& clock, Abortable& waitedFor) : Guard(intent, clock, waitedFor, Unlimited) {}
 
 Guard::~Guard()
 {
-    const auto mine = std::find(Why.Waiting.rbegin(), Why.Waiting.rend(), &WaitedFor);
-    Why.Waiting.erase(std::next(mine).base());
+    std::erase(Why.Waiting, this);
 }
 
 void Guard::Forgive()
@@ -43,19 +70,8 @@ void Guard::Forgive()
     if (HasExpired) Why.TimedOut = false;
 }
 
-void Guard::Arm(Milliseconds delay)
+void Guard::Expire()
 {
-    Alarm = Time.After(delay, [this] { Check(); });
-}
-
-// Progress only notes the time; an alarm that comes early sleeps for what is left.
-void Guard::Check()
-{
-    const Milliseconds left = LastProgress + Limit - Time.Now();
-    if (left.count() > 0) {
-        Arm(left);
-        return;
-    }
     HasExpired = true;
     Why.TimedOut = true;
     WaitedFor.Abort();

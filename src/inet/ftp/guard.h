@@ -9,6 +9,8 @@
 
 namespace Ftp {
 
+class Guard;
+
 /// What was meant to happen to the running command. Why a wait ended is read from here, never guessed from the error
 /// that the wire reported. Transfer thread only.
 class Intent {
@@ -30,12 +32,23 @@ public:
     /// The failure as it is reported: the user's wish comes first, then the time limit, then what the wire said.
     Failure Explain(Failure failure) const;
 
+    /// Nothing is waited for: no alarm is left behind.
+    void Rest();
+
 private:
     friend class Guard;
 
-    std::vector<Abortable*> Waiting;
+    void WakeBy(Clock& clock, Milliseconds deadline);
+    void LookAround(Clock& clock);
+
+    std::vector<Guard*> Waiting;
     bool Cancelled = false;
     bool TimedOut = false;
+
+    // One alarm serves all guards, at the earliest deadline there was when it was set: most waits end long before
+    // theirs, and setting an alarm for each of them costs more than all else about them.
+    std::unique_ptr<Clock::Alarm> Alarm;
+    Milliseconds Due{0};
 };
 
 /// Bounds a wait while it lives: when the limit passes without progress, or the user cancels, the thing waited for is
@@ -43,6 +56,9 @@ private:
 class Guard {
 public:
     Guard(Intent& intent, Clock& clock, Abortable& waitedFor, Milliseconds limit);
+
+    /// Without a limit: for what only the user can bring to an end.
+    Guard(Intent& intent, Clock& clock, Abortable& waitedFor);
     ~Guard();
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
@@ -56,15 +72,19 @@ public:
     void Forgive();
 
 private:
-    void Arm(Milliseconds delay);
-    void Check();
+    friend class Intent;
+
+    static constexpr Milliseconds Unlimited = Milliseconds::max();
+
+    Milliseconds Deadline() const { return LastProgress + Limit; }
+
+    void Expire();
 
     Intent& Why;
     Clock& Time;
     Abortable& WaitedFor;
     Milliseconds Limit;
     Milliseconds LastProgress;
-    std::unique_ptr<Clock::Alarm> Alarm;
     bool HasExpired = false;
 };
 

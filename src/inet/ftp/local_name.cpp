@@ -1,5 +1,6 @@
 #include "inet/ftp/local_name.h"
 
+#include "base/local_name.h"
 #include "inet/ftp/failure.h"
 
 #include <algorithm>
@@ -22,7 +23,7 @@ bool IsOneComponent(const std::string& name)
 
 void CheckLocalName(const std::string& name)
 {
-    if (IsOneComponent(name)) return;
+    if (IsOneComponent(name) && IsFileNameHere(name)) return;
     throw Failure{Failure::Request, OperationError,
                   "A file cannot have the name \"" + name + "\" on this computer, so it was not touched."};
 }

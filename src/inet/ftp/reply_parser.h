@@ -35,6 +35,9 @@ public:
     /// No bytes of an unfinished line or reply and no reply waiting.
     [[nodiscard]] bool Empty() const { return Ready.empty() && Line.empty() && !IsOpen; }
 
+    /// Nothing has come since the last reply that was taken, not even a line that was skipped.
+    [[nodiscard]] bool Untouched() const { return Empty() && BytesSoFar == 0; }
+
 private:
     void TakeLine(std::string_view line);
     void Begin(std::string_view line);

@@ -4,6 +4,7 @@
 #include "inet/ftp/secret.h"
 
 #include <algorithm>
+#include <cctype>
 #include <exception>
 #include <utility>
 
@@ -37,10 +38,29 @@ bool IsReachableByIpv4(const Endpoint& peer)
     return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
 }
 
+constexpr const char* SecureOnlyHint =
+    "The server seems to want a secure connection: put ftpes:// before its address, or ftps:// for port 990.";
+
+/// Servers have no common way to say so; these are the words that they use.
+bool MeansSecureOnly(const Failure& failure)
+{
+    if (failure.Kind != Failure::Refused) return false;
+    std::string text = failure.Text;
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char byte) { return std::tolower(byte); });
+    for (const char* word : {"tls", "ssl", "encrypt", "cleartext"})
+        if (text.find(word) != std::string::npos) return true;
+    return false;
+}
+
+std::string MoveLine(const std::string& name)
+{
+    return name.empty() ? "CDUP" : "CWD " + name;
+}
+
 }  // namespace
 
 Session::Session(Network& network, Clock& clock, Observer observer)
-    : Net(network), Time(clock), Tell(std::move(observer))
+    : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask)
 {
     // A server may repeat the password in any text that is told.
     Tell.Remark = [this, tell = std::move(Tell.Remark)](const std::string& line) {
@@ -59,13 +79,13 @@ Task<Outcome> Session::Perform(Target target, Manner manner, Operation operation
     co_return co_await Guarded(Run(std::move(operation)));
 }
 
-Task<Outcome> Session::Fetch(Target target, Manner manner)
+Task<Outcome> Session::Fetch(Target target, Manner manner, std::filesystem::path file)
 {
     Drop();
     std::string path = std::exchange(target.Path, {});
     Where = std::move(target);
     How = manner;
-    Outcome outcome = co_await Guarded(RunFetch(std::move(path)));
+    Outcome outcome = co_await Guarded(RunFetch(std::move(path), std::move(file)));
     Drop();
     co_return outcome;
 }
@@ -74,6 +94,7 @@ Task<Outcome> Session::Fetch(Target target, Manner manner)
 Task<Outcome> Session::Guarded(Task<std::string> work)
 {
     Unfinished = false;
+    Proof.reset();
     Decided.reset();
     Outcome outcome;
     std::optional<Failure> failure;
@@ -88,6 +109,8 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     Why.Reset();
     LastUse = Time.Now();
     if (failure) {
+        co_await GetInStep();
+        if (Where.Safety == Protection::None && MeansSecureOnly(*failure)) Tell.Remark(SecureOnlyHint);
         if (!Ready || !Control->IsAlive() || !LeavesSessionAsItWas(*failure)) CloseConnection();
         outcome.Code = failure->Code;
         outcome.Text = Without(Where.Password, failure->Text);
@@ -95,6 +118,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
         co_return outcome;
     }
     outcome.Good = true;
+    outcome.Transferred = Proof;
     if (Control) {
         const Reply& last = Decided ? *Decided : Control->Last();
         outcome.Code = last.Code;
@@ -112,27 +136,49 @@ bool Session::LeavesSessionAsItWas(const Failure& failure) const
     return (failure.Kind == Failure::Refused && failure.Code != NotLoggedIn) || (local && !Unfinished);
 }
 
+// What was sent ahead of a refused line was carried out or refused as well.
+Task<> Session::GetInStep()
+{
+    if (!Ready || !Control || !Control->IsAlive() || !Control->IsAhead()) co_return;
+    try {
+        co_await Control->GiveUpAhead();
+    } catch (const Failure&) {
+        CloseConnection();
+    }
+    Why.Reset();
+}
+
 // A server may close an idle connection just as the next command is on its way to it: that command is given once more,
-// on a new connection, where nobody can have carried it out already.
+// on a new connection, where nobody can have carried it out already. And a server that cannot cope with lines sent
+// ahead gets them one at a time, on a new connection as well.
 Task<std::string> Session::Run(Operation operation)
 {
     if (std::holds_alternative<Close>(operation)) co_return co_await Do(Close{});
-    const bool used = co_await IsStillThere();
-    if (!used) co_await Connect();
-    Begin();
-    const std::size_t heard = Control->Heard();
+    Reused = false;
     try {
-        co_return co_await Carry(operation);
+        Operation copy = operation;
+        co_return co_await RunOnce(std::move(copy));
     } catch (const Failure& failure) {
-        if (!used || !MayTryAnew(failure, heard, operation)) throw;
+        const bool closed = Reused && MayTryAnew(failure, operation);
+        const bool blamed = Control && Control->MayBlameAhead() && !OneAtATime && !Why.IsCancelled();
+        if (!closed && !blamed) throw;
+        if (!closed) OneAtATime = true;
     }
-    co_await Connect();
-    Begin();
-    co_return co_await Carry(std::move(operation));
+    Why.ForgiveTimeOut();
+    CloseConnection();
+    co_return co_await RunOnce(std::move(operation));
 }
 
-Task<std::string> Session::Carry(Operation operation)
+Task<std::string> Session::RunOnce(Operation operation)
 {
+    Reused = co_await IsStillThere();
+    if (!Reused) {
+        CloseConnection();
+        std::vector<std::string> ahead = LinesBefore(operation);
+        co_await Connect(std::move(ahead));
+    }
+    Begin();
+    HeardBefore = Control->Heard();
     co_await SpeakUtf8For(NamesSent(operation));
     std::string asked = co_await std::visit([this](auto& one) { return Do(std::move(one)); }, operation);
     Tell.State(ResponseReceived);
@@ -158,10 +204,10 @@ Task<bool> Session::IsStillThere()
     co_return false;
 }
 
-bool Session::MayTryAnew(const Failure& failure, std::size_t heard, const Operation& operation) const
+bool Session::MayTryAnew(const Failure& failure, const Operation& operation) const
 {
     if (!Control || Why.IsInterrupted()) return false;
-    const std::size_t answers = Control->Heard() - heard;
+    const std::size_t answers = Control->Heard() - HeardBefore;
     if (failure.Kind == Failure::Refused) return failure.Code == ServiceClosing && answers == 1;
     const bool mayHaveBeenDone = std::holds_alternative<Delete>(operation) ||
                                  std::holds_alternative<MakeFolder>(operation) ||
@@ -169,17 +215,20 @@ bool Session::MayTryAnew(const Failure& failure, std::size_t heard, const Operat
     return failure.Kind == Failure::Connection && answers == 0 && !mayHaveBeenDone;
 }
 
-Task<std::string> Session::RunFetch(std::string path)
+Task<std::string> Session::RunFetch(std::string path, std::filesystem::path file)
 {
-    co_await Connect();
+    co_await Connect({});
     Begin();
     co_await SpeakUtf8For(path);
     co_await SetType('I');
-    MemorySink sink(std::size_t{2} * 1024 * 1024 * 1024);
+    MemorySink memory(std::size_t{2} * 1024 * 1024 * 1024);
+    FileSink stored(file);
+    Sink& sink = file.empty() ? static_cast<Sink&>(memory) : stored;
     const Reply end = co_await Retrieve(std::move(path), sink);
     if (IsBad(end)) throw RefusalOf(end);
+    sink.Keep();
     Tell.State(ResponseReceived);
-    co_return std::move(sink.Bytes);
+    co_return std::move(memory.Bytes);
 }
 
 void Session::Begin()
@@ -204,15 +253,20 @@ void Session::Drop()
     Moves.clear();
     LastListing.clear();
     Where = {};
+    OneAtATime = false;
 }
 
 void Session::CloseConnection()
 {
     Control.reset();
     Ready = false;
+    Can = {};
+    Type = 'A';
+    Why.Rest();
 }
 
-Task<> Session::Connect()
+// `ahead` is what will be said once the working folder is reached.
+Task<> Session::Connect(std::vector<std::string> ahead)
 {
     CloseConnection();
     Tell.State(ResolvingHost);
@@ -224,17 +278,34 @@ Task<> Session::Connect()
     }
     Tell.State(HostResolved);
     Tell.State(Connecting);
-    std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
+    std::shared_ptr<Wire> wire = co_await Reach(endpoints);
     Tell.State(Connected);
+    bool loggedIn = co_await TryLogIn(std::move(wire), ahead);
+    while (!loggedIn) {
+        wire = co_await Reach(endpoints);
+        loggedIn = co_await TryLogIn(std::move(wire), ahead);
+    }
+    co_await EnterFolders();
+    Ready = true;
+}
+
+// A server may lose patience while the user looks at its certificate; then it is called once more.
+Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead)
+{
+    wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
     Control->SetUnaskedListener([this](const Reply& reply) {
         Tell.Remark("The server said unasked: " + std::to_string(reply.Code) + ' ' + reply.Text());
     });
     Can = {};
     Type = 'A';
-    co_await LogIn();
-    co_await EnterFolders();
-    Ready = true;
+    try {
+        co_await LogIn(std::move(ahead));
+    } catch (const Failure& failure) {
+        if (!Safe.HasAsked() || failure.Kind != Failure::Connection || Why.IsInterrupted()) throw;
+        co_return false;
+    }
+    co_return true;
 }
 
 // One address after the other; each has its share of the time that is left for all of them.
@@ -258,18 +329,25 @@ Task<std::shared_ptr<Wire>> Session::Reach(std::vector<Endpoint> endpoints)
     throw Failure(failure);
 }
 
-Task<> Session::LogIn()
+Task<> Session::LogIn(std::vector<std::string> ahead)
 {
+    for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) ahead.insert(ahead.begin(), MoveLine(*move));
+    if (!Where.Path.empty()) ahead.insert(ahead.begin(), "CWD " + Where.Path);
+    co_await Safe.BeforeGreeting(How.Limit);
     const Reply greeting = co_await Control->HearFinal();
     if (IsBad(greeting)) throw RefusalOf(greeting);
+    co_await Safe.AfterGreeting(*Control, How.Limit);
     std::string user = "USER " + (Where.User.empty() ? "anonymous" : Where.User);
     Reply reply = co_await Control->Say(std::move(user));
     if (reply.KindOf() == Reply::NeedMore && reply.Code != AccountWanted) {
         const bool anonymous = Where.User.empty() && Where.Password.empty();
         std::string password = "PASS " + (anonymous ? "anonymous@example.com" : Where.Password);
+        ahead.insert(ahead.begin(), password);
+        co_await SendAhead(std::move(ahead));
         reply = co_await Control->Say(std::move(password));
     }
     if (IsBad(reply)) throw RefusalOf(reply);
+    co_await Safe.AfterLogIn(*Control);
 }
 
 // A connection that is made anew leads where the old one had been. When the server refuses that the way is forgotten,
@@ -285,7 +363,7 @@ Task<> Session::EnterFolders()
         }
         for (const std::string& name : moves) {
             co_await SpeakUtf8For(name);
-            std::string command = name.empty() ? "CDUP" : "CWD " + name;
+            std::string command = MoveLine(name);
             (void)co_await Control->Expect(std::move(command));
         }
     } catch (const Failure& failure) {
@@ -300,6 +378,58 @@ Task<> Session::SetType(char type)
     std::string command = std::string("TYPE ") + type;
     (void)co_await Control->Expect(std::move(command));
     Type = type;
+}
+
+/// The lines that Perform is going to say before an operation's data connection, in order.
+std::vector<std::string> Session::LinesBefore(const Operation& operation) const
+{
+    if (std::holds_alternative<ListFull>(operation)) return LinesBefore('A', {}, "LIST");
+    if (std::holds_alternative<ListNames>(operation)) return LinesBefore('A', {}, "NLST");
+    if (const auto* send = std::get_if<Ftp::Send>(&operation)) return LinesBefore('I', {}, "STOR " + send->Remote);
+    if (const auto* receive = std::get_if<Receive>(&operation)) {
+        const std::string name = FirstChoice(receive->Remote);
+        return LinesBefore('I', name, "RETR " + name);
+    }
+    return {};
+}
+
+// The command goes with them only where the port that it needs will surely be one that can be reached.
+std::vector<std::string> Session::LinesBefore(char type, const std::string& sized, std::string command) const
+{
+    std::vector<std::string> lines;
+    if (Type != type) lines.push_back(std::string("TYPE ") + type);
+    lines.push_back(PassiveLine());
+    if (!sized.empty() && Can.Size) lines.push_back("SIZE " + sized);
+    if (Can.PassiveWorked) lines.push_back(std::move(command));
+    return lines;
+}
+
+// Secure servers were seen to mind; what they cost in round trips the handshakes exceed by far.
+bool Session::MaySendAhead() const
+{
+    return Where.Safety == Protection::None && !OneAtATime && !Control->IsOdd();
+}
+
+Task<> Session::SendAhead(std::vector<std::string> lines)
+{
+    if (!MaySendAhead() || lines.size() < 2) co_return;
+    if (Control->IsAhead()) {
+        if (!Control->IsOnlyAhead(lines.front())) co_return;
+        lines.erase(lines.begin());
+    }
+    co_await Control->SendAhead(std::move(lines));
+}
+
+// While this side gets ready for the next file the server makes its port.
+Task<> Session::AskForNextPort()
+{
+    if (!How.MoreToCome || !MaySendAhead() || !Can.PassiveWorked) co_return;
+    try {
+        std::vector<std::string> lines(1, PassiveLine());
+        co_await Control->SendAhead(std::move(lines));
+    } catch (const Failure&) {
+        // The next command will find the connection closed.
+    }
 }
 
 // EPSV (RFC 2428) works for both kinds of addresses and through translators of addresses; PASV is what older servers
@@ -318,6 +448,8 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
             failure = Why.Explain(thrown);
         }
         if (!canFallBack || Why.IsInterrupted() || failure.Code == ServiceClosing) throw Failure(failure);
+        // The command that waits for this connection at the server cannot be taken back.
+        if (failure.Kind != Failure::Refused && Control->IsAhead()) throw Failure(failure);
         Can.ExtendedPassive = false;
     }
     const Reply reply = co_await Control->Expect("PASV");
@@ -339,6 +471,7 @@ Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds limit)
         if (limit < How.Limit && !Why.IsCancelled()) guard.Forgive();
         throw;
     }
+    Can.PassiveWorked = true;
     co_return wire;
 }
 

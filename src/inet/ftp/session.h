@@ -4,6 +4,9 @@
 #include "inet/ftp/data_ends.h"
 #include "inet/ftp/guard.h"
 #include "inet/ftp/operation.h"
+#include "inet/ftp/progress.h"
+#include "inet/ftp/proxy_address.h"
+#include "inet/ftp/tls_session.h"
 #include "inet/ftp/transfer.h"
 #include "inet/ftp/wire.h"
 
@@ -24,6 +27,8 @@ struct Target {
     std::string User;      ///< empty: anonymous
     std::string Password;  ///< sent to this target and nowhere else
     std::string Path;      ///< entered after log-in; empty: where the server puts the user
+    Protection Safety = Protection::None;
+    Proxy Via = {};  ///< the network's business, but another road means another session
     bool operator==(const Target&) const = default;
 };
 
@@ -31,6 +36,13 @@ struct Target {
 struct Manner {
     Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
     bool ListingLineHelp = true;                    ///< a refused listing line is tried once more by its name
+    bool MoreToCome = false;                        ///< another file follows this one, in the same direction
+};
+
+/// What is known of the size of a transfer that went well.
+struct Confirmation {
+    std::uint64_t Bytes = 0;  ///< received or sent
+    bool BySize = false;      ///< the server's SIZE says the same
 };
 
 /// How a command ended.
@@ -39,12 +51,15 @@ struct Outcome {
     int Code = 0;       ///< the three digits of the reply that decided, or an Internet error number
     std::string Text;   ///< the server's text, or a plain sentence; never holds the password
     std::string Reply;  ///< what the command asked for: a listing, a size, a folder
+    std::optional<Confirmation> Transferred{};  ///< of a file that was received or sent
 };
 
 /// What a session tells while it works; called on the transfer thread.
 struct Observer {
     std::function<void(int)> State;           ///< the numbers of Inet::State, 1 to 10
     std::function<void(std::string)> Remark;  ///< one line
+    ProgressMeter::Listener Progress{};       ///< of a file that is received or sent
+    TlsSession::Asking Ask{};                 ///< about certificates; the answer comes by Session::Answer
 };
 
 /// One FTP session: connects, logs in and carries out one operation after the other (RFC 959).
@@ -62,11 +77,15 @@ public:
     /// `folder`. Never throws.
     Task<Outcome> Perform(Target target, Manner manner, Operation operation, std::filesystem::path folder);
 
-    /// Fetches the file at the target's path into memory, on a connection of its own that ends with it.
-    Task<Outcome> Fetch(Target target, Manner manner);
+    /// Fetches the file at the target's path into `file`, or into memory when that is empty, on a connection of its
+    /// own that ends with it.
+    Task<Outcome> Fetch(Target target, Manner manner, std::filesystem::path file = {});
 
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
+
+    /// The user's answer to the question of this number.
+    void Answer(unsigned number, bool accepted) { Safe.Answer(number, accepted); }
 
     /// Closes the connection at once and forgets the working folder.
     void Drop();
@@ -80,16 +99,20 @@ public:
 private:
     struct Capabilities {
         bool ExtendedPassive = true;  ///< EPSV has not been refused yet
+        bool PassiveWorked = false;   ///< a data connection to a port of the server has been made
         bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
         bool Utf8Asked = false;       ///< the server has been asked to speak UTF-8, or cannot
+        bool Size = true;             ///< SIZE has not been called unknown yet
+        bool SizeWorked = false;      ///< SIZE has been answered with a figure
     };
 
     // Connecting
-    Task<> Connect();
+    Task<> Connect(std::vector<std::string> ahead);
     Task<bool> IsStillThere();
-    bool MayTryAnew(const Failure& failure, std::size_t heard, const Operation& operation) const;
+    bool MayTryAnew(const Failure& failure, const Operation& operation) const;
     Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
-    Task<> LogIn();
+    Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead);
+    Task<> LogIn(std::vector<std::string> ahead);
     Task<> EnterFolders();
     Task<> HangUp();
     void CloseConnection();
@@ -120,20 +143,33 @@ private:
     Task<> SpeakUtf8For(std::string name);
     Task<std::string> ListInUtf8(std::string command);
 
+    // Lines that can be sent before the ones ahead of them are answered
+    std::vector<std::string> LinesBefore(const Operation& operation) const;
+    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
+    bool MaySendAhead() const;
+    Task<> SendAhead(std::vector<std::string> lines);
+    Task<> AskForNextPort();
+
+    std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
+
     Task<std::string> Run(Operation operation);
-    Task<std::string> Carry(Operation operation);
-    Task<std::string> RunFetch(std::string path);
+    Task<std::string> RunOnce(Operation operation);
+    Task<std::string> RunFetch(std::string path, std::filesystem::path file);
     Task<Outcome> Guarded(Task<std::string> work);
+    Task<> GetInStep();
     bool LeavesSessionAsItWas(const Failure& failure) const;
     Task<std::string> List(std::string command);
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;
     Task<Reply> ReceiveAs(std::string name, std::unique_ptr<Sink> sink);
     Task<Reply> Retrieve(std::string name, Sink& sink);
-    Task<> CheckSize(std::string name, const Transfer& transfer);
+    Task<> CheckCut(std::string name, const Transfer& transfer);
+    Task<std::optional<std::uint64_t>> AskSize(std::string name);
+    Task<> CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size);
+    Task<> CheckSent(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();
 
-    TransferMeans Means() { return {Net, Why, Time, How.Limit}; }
+    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress, &Safe}; }
 
     // Listing lines given as names
     std::optional<std::string> NameInLine(const std::string& text) const;
@@ -149,10 +185,15 @@ private:
     Manner How;
     std::filesystem::path Folder;
 
+    TlsSession Safe;
     std::unique_ptr<ControlConnection> Control;
-    bool Ready = false;            ///< logged in, and in the working folder
-    std::optional<Reply> Decided;  ///< the reply that counts, where another one came after it
-    bool Unfinished = false;       ///< a transfer is under way: its replies are still owed
+    bool Ready = false;                 ///< logged in, and in the working folder
+    bool Unfinished = false;            ///< a transfer is under way: its replies are still owed
+    bool OneAtATime = false;            ///< what was sent ahead to this server has done harm once
+    std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
+    bool Reused = false;                ///< the running command goes over a connection that was there before
+    std::size_t HeardBefore = 0;        ///< replies on it before that command
+    std::optional<Reply> Decided;       ///< the reply that counts, where another one came after it
     Capabilities Can;
     Milliseconds LastUse{0};         ///< when the last operation ended
     char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)

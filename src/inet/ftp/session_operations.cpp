@@ -1,4 +1,5 @@
 #include "base/listing_name.h"
+#include "base/local_name.h"
 #include "inet/ftp/data_address.h"
 #include "inet/ftp/local_name.h"
 #include "inet/ftp/session.h"
@@ -12,6 +13,9 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t MaxListingBytes = std::size_t{512} * 1024 * 1024;
+constexpr std::uint64_t SizeAskedFrom = 64 * 1024;
+constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2
+constexpr int NotLoggedIn = 530;     // the same
 constexpr Milliseconds GoodbyeLimit = std::chrono::seconds(2);
 constexpr int GoOn = 350;  // RFC 959, 4.2.2
 constexpr int Disconnecting = 9;
@@ -56,11 +60,20 @@ std::optional<std::string_view> LineOf(std::string_view listing, std::string_vie
     return std::nullopt;
 }
 
+Failure CutFailure()
+{
+    return {Failure::Protocol, SecureChannelError,
+            "The secure data connection was cut, and what has arrived may not be all of it."};
+}
+
 /// A file of the given name in a folder. The name is looked at only when the server has agreed to send: until then
 /// another one may be tried.
 class NamedFileSink final : public Sink {
 public:
-    NamedFileSink(const std::filesystem::path& folder, std::string name) : File(folder / name), Name(std::move(name)) {}
+    NamedFileSink(const std::filesystem::path& folder, std::string name)
+        : File(LocalPath(folder, name)), Name(std::move(name))
+    {
+    }
 
     void Open() override
     {
@@ -94,6 +107,8 @@ Task<std::string> Session::Do(ListFull)
 
 Task<std::string> Session::List(std::string command)
 {
+    std::vector<std::string> ahead = LinesBefore('A', {}, command);
+    co_await SendAhead(std::move(ahead));
     co_await SetType('A');
     const std::shared_ptr<Wire> data = co_await OpenData();
     Unfinished = true;
@@ -102,6 +117,7 @@ Task<std::string> Session::List(std::string command)
     MemorySink sink(MaxListingBytes);
     const Reply end = co_await transfer.Receive(sink);
     Unfinished = false;
+    if (!IsBad(end) && transfer.WasCut()) throw CutFailure();
     if (!IsBad(end)) co_return std::move(sink.Bytes);
     if (!MeansEmptyFolder(end)) throw RefusalOf(end);
     co_return std::string();
@@ -128,7 +144,6 @@ Task<std::string> Session::Do(FolderUp)
 Task<std::string> Session::Do(Receive operation)
 {
     if (!operation.LocalGiven && !NameInLine(operation.Remote)) CheckLocalName(operation.Remote);
-    co_await SetType('I');
     const std::string first = FirstChoice(operation.Remote);
     const Reply refusal = co_await ReceiveAs(first, SinkFor(operation, first));
     if (!IsBad(refusal)) co_return std::string();
@@ -145,7 +160,7 @@ Task<std::string> Session::Do(Receive operation)
 // for by, in the local folder and nowhere else.
 std::unique_ptr<Sink> Session::SinkFor(const Receive& operation, const std::string& name) const
 {
-    if (operation.LocalGiven) return std::make_unique<FileSink>(Folder / operation.Local);
+    if (operation.LocalGiven) return std::make_unique<FileSink>(LocalPath(Folder, operation.Local));
     return std::make_unique<NamedFileSink>(Folder, name);
 }
 
@@ -159,54 +174,110 @@ Task<Reply> Session::ReceiveAs(std::string name, std::unique_ptr<Sink> sink)
 Task<Reply> Session::Retrieve(std::string name, Sink& sink)
 {
     RequireSendable(name);
-    const std::shared_ptr<Wire> data = co_await OpenData();
     std::string command = "RETR " + name;
+    std::vector<std::string> ahead = LinesBefore('I', name, command);
+    co_await SendAhead(std::move(ahead));
+    co_await SetType('I');
+    const std::shared_ptr<Wire> data = co_await OpenData();
+    const std::optional<std::uint64_t> size = co_await AskSize(name);
     co_await Control->Send(std::move(command));
     Unfinished = true;
     Reply end;
     {
-        Transfer transfer(Means(), *Control, data);
+        Transfer transfer(Means(), *Control, data, size);
         end = co_await transfer.Receive(sink);
-        if (!IsBad(end)) co_await CheckSize(std::move(name), transfer);
+        if (!IsBad(end) && transfer.WasCut() && size != transfer.Bytes()) co_await CheckCut(name, transfer);
+        if (!IsBad(end)) co_await CheckReceived(std::move(name), transfer, size);
     }
     Unfinished = false;
+    if (!IsBad(end)) co_await AskForNextPort();
     co_return end;
 }
 
-// What was announced before the transfer may have been a guess; when less came, the server is asked again.
-Task<> Session::CheckSize(std::string name, const Transfer& transfer)
+// Nothing when the server does not know, or gives no figure: a size is a check, never a condition (RFC 3659, 4).
+Task<std::optional<std::uint64_t>> Session::AskSize(std::string name)
 {
-    const std::optional<std::uint64_t> announced = AnnouncedSize(transfer.Opening());
-    if (!announced || transfer.Bytes() >= *announced) co_return;
+    if (!Can.Size) co_return std::nullopt;
     std::string command = "SIZE " + name;
     const Reply reply = co_await Control->Say(std::move(command));
-    const std::optional<std::uint64_t> size = IsBad(reply) ? announced : SizeFigure(reply);
-    if (size && transfer.Bytes() >= *size) co_return;
-    throw Failure{Failure::Protocol, ResponseError,
-                  "The file arrived incomplete: " + std::to_string(transfer.Bytes()) + " of " +
-                      std::to_string(size.value_or(*announced)) + " bytes."};
+    if (reply.Code == 500 || reply.Code == 502 || reply.Code == 504) Can.Size = false;
+    const bool isOver = reply.Code == ServiceClosing || reply.Code == NotLoggedIn;
+    if (isOver && !Unfinished) throw RefusalOf(reply);
+    if (reply.KindOf() != Reply::Done) co_return std::nullopt;
+    const std::optional<std::uint64_t> size = SizeFigure(reply);
+    Can.SizeWorked = Can.SizeWorked || size;
+    co_return size;
 }
 
+// What was announced before the transfer may have been a guess, or the file has changed since; when less came, the
+// server is asked again.
+Task<> Session::CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size)
+{
+    Proof = Confirmation{transfer.Bytes(), size == transfer.Bytes()};
+    const std::optional<std::uint64_t> announced = size ? size : AnnouncedSize(transfer.Opening());
+    if (!announced || transfer.Bytes() >= *announced) co_return;
+    const std::optional<std::uint64_t> now = co_await AskSize(std::move(name));
+    Proof->BySize = now == transfer.Bytes();
+    if (now && transfer.Bytes() >= *now) co_return;
+    throw Failure{Failure::Protocol, ResponseError,
+                  "The file arrived incomplete: " + std::to_string(transfer.Bytes()) + " of " +
+                      std::to_string(now.value_or(*announced)) + " bytes."};
+}
+
+// Asking costs a round trip, as nothing may be sent while a transfer is under way: small files are not worth it.
+Task<> Session::CheckSent(std::string name, const Transfer& transfer)
+{
+    Proof = Confirmation{transfer.Bytes(), false};
+    if (!Can.SizeWorked || transfer.Bytes() < SizeAskedFrom) co_return;
+    std::optional<std::uint64_t> size;
+    try {
+        size = co_await AskSize(std::move(name));
+    } catch (const Failure&) {
+        // The server has confirmed the file already; that it went away since changes nothing.
+        if (Why.IsCancelled()) throw;
+        Why.ForgiveTimeOut();
+    }
+    Proof->BySize = size == transfer.Bytes();
+    if (!size || transfer.Bytes() <= *size) co_return;
+    throw Failure{Failure::Protocol, ResponseError,
+                  "The server has stored only " + std::to_string(*size) + " of " + std::to_string(transfer.Bytes()) +
+                      " bytes."};
+}
+
+// The secure connection ended without saying so: a careless server, or somebody who wants the file to be shorter.
+Task<> Session::CheckCut(std::string name, const Transfer& transfer)
+{
+    std::string command = "SIZE " + name;
+    const Reply reply = co_await Control->Say(std::move(command));
+    if (IsBad(reply) || SizeFigure(reply) != transfer.Bytes()) throw CutFailure();
+}
+
+// As with GET, a local name of its own is a path that the program has composed.
 Task<std::string> Session::Do(Ftp::Send operation)
 {
-    CheckLocalName(operation.Local);
+    if (operation.Local == operation.Remote) CheckLocalName(operation.Local);
     RequireSendable(operation.Remote);
-    const std::filesystem::path path = Folder / operation.Local;
-    std::unique_ptr<ReadFile> file;
+    const std::filesystem::path path = LocalPath(Folder, operation.Local);
+    std::unique_ptr<SourceFile> file;
     try {
-        file = std::make_unique<ReadFile>(path);
+        file = std::make_unique<SourceFile>(path);
     } catch (const std::system_error& error) {
         throw LocalFailure(path, error.code().value());
     }
+    std::string command = "STOR " + operation.Remote;
+    std::vector<std::string> ahead = LinesBefore('I', {}, command);
+    co_await SendAhead(std::move(ahead));
     co_await SetType('I');
     const std::shared_ptr<Wire> data = co_await OpenData();
-    std::string command = "STOR " + operation.Remote;
+    const bool eager = Control->IsAhead();
     co_await Control->Send(std::move(command));
     Unfinished = true;
-    Transfer transfer(Means(), *Control, data);
-    const Reply end = co_await transfer.Send(*file, path);
+    Transfer transfer(Means(), *Control, data, file->Size());
+    const Reply end = co_await transfer.Send(*file, path, eager);
+    if (!IsBad(end)) co_await CheckSent(std::move(operation.Remote), transfer);
     Unfinished = false;
     if (IsBad(end)) throw RefusalOf(end);
+    co_await AskForNextPort();
     co_return std::string();
 }
 

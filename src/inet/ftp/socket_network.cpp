@@ -2,6 +2,7 @@
 
 #include "inet/ftp/failure.h"
 #include "inet/ftp/waker.h"
+#include "platform/error_text.h"
 
 #include <asio/post.hpp>
 #include <asio/read.hpp>
@@ -14,16 +15,21 @@ namespace Ftp {
 
 namespace {
 
+std::string TextOf(const asio::error_code& error)
+{
+    return error.category() == asio::error::get_system_category() ? SystemErrorText(error.value()) : error.message();
+}
+
 Failure ConnectionFailure(const asio::error_code& error)
 {
     if (error == asio::error::connection_reset || error == asio::error::broken_pipe)
         return {Failure::Connection, ResetError, "The connection with the server was reset."};
-    return {Failure::Connection, AbortedError, "The connection with the server was lost (" + error.message() + ")."};
+    return {Failure::Connection, AbortedError, "The connection with the server was lost (" + TextOf(error) + ")."};
 }
 
 Failure ConnectFailure(const asio::error_code& error)
 {
-    return {Failure::Connection, ConnectError, "The server could not be reached (" + error.message() + ")."};
+    return {Failure::Connection, ConnectError, "The server could not be reached (" + TextOf(error) + ")."};
 }
 
 class SocketWire final : public Wire {
@@ -79,7 +85,11 @@ public:
 
     Endpoint Peer() const override { return Other; }
 
-    int NativeSocket() const override { return const_cast<asio::ip::tcp::socket&>(Socket).native_handle(); }
+    // The system's handles fit into 32 bits everywhere.
+    int NativeSocket() const override
+    {
+        return static_cast<int>(const_cast<asio::ip::tcp::socket&>(Socket).native_handle());
+    }
 
 private:
     Task<> Wait(asio::ip::tcp::socket::wait_type what)
@@ -141,7 +151,7 @@ private:
             for (const auto& entry : resolver.resolve(host, std::to_string(port), error)) found.push_back(entry);
             const std::lock_guard guard(asked->Lock);
             if (asked->Abandoned) return;
-            asio::post(where, [asked, wake, found = std::move(found), reason = error.message()] {
+            asio::post(where, [asked, wake, found = std::move(found), reason = TextOf(error)] {
                 const std::lock_guard inner(asked->Lock);
                 if (asked->Abandoned) return;
                 asked->Found = found;

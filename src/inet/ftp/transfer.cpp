@@ -1,12 +1,11 @@
 #include "inet/ftp/transfer.h"
 
 #include "inet/ftp/failure.h"
+#include "platform/error_text.h"
 #include "platform/pump.h"
 
 #include <algorithm>
 #include <array>
-#include <asio/co_spawn.hpp>
-#include <asio/detached.hpp>
 #include <asio/post.hpp>
 #include <optional>
 #include <system_error>
@@ -17,6 +16,7 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;
+constexpr Milliseconds LingerLimit = std::chrono::seconds(2);
 // Of a slow reader each piece counts as progress, so none may take longer than the time-out on any line.
 constexpr std::size_t PieceSize = std::size_t{32} * 1024;
 
@@ -26,46 +26,45 @@ Task<> Breathe(asio::any_io_executor executor)
     co_await asio::post(executor, asio::use_awaitable);
 }
 
-struct FirstByte {
-    bool Came = false;
-    bool Watched = true;  ///< somebody still wants to know
-};
+/// Lets the replies that come count as progress of a wait for data.
+class Watching {
+public:
+    Watching(Guard*& place, Guard& guard) : Place(place) { Place = &guard; }
 
-/// Nudges the control connection when the first data is there.
-Task<> WatchForData(std::shared_ptr<Wire> data, std::shared_ptr<FirstByte> first, ControlConnection* control)
-{
-    try {
-        co_await data->WaitReadable();
-    } catch (const Failure&) {
-        // The one who reads the data will meet the same failure.
-    }
-    first->Came = true;
-    if (first->Watched) control->Nudge();
-}
+    ~Watching() { Place = nullptr; }
+
+    Watching(const Watching&) = delete;
+    Watching& operator=(const Watching&) = delete;
+
+private:
+    Guard*& Place;
+};
 
 [[noreturn]] void ThrowLost(const PumpResult& moved)
 {
     throw Failure{Failure::Connection, ResetError,
-                  "The data connection was lost (" + std::generic_category().message(moved.Error) + ")."};
+                  "The data connection was lost (" + SystemErrorText(moved.Error) + ")."};
 }
 
 }  // namespace
 
-Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data)
-    : Use(means), Control(control), Data(std::move(data))
+Transfer::Transfer(TransferMeans means, ControlConnection& control, std::shared_ptr<Wire> data,
+                   std::optional<std::uint64_t> expected)
+    : Use(means), Control(control), Data(means.Safe->WrapData(std::move(data))), Meter(means.Time, means.Tell, expected)
 {
-    Control.SetReplyListener([this](const Reply& reply) { Note(reply); });
+    Control.SetListeners([this](const Reply& reply) { Note(reply); }, [this] { NoteEnd(); });
 }
 
 Transfer::~Transfer()
 {
-    Control.SetReplyListener({});
+    Control.RemoveListeners();
     Data->Abort();
 }
 
 // Called as replies come, so that a refusal in the middle ends the wait for data.
 void Transfer::Note(const Reply& reply)
 {
+    if (Watch != nullptr) Watch->Progress();
     if (reply.KindOf() == Reply::Preliminary) {
         if (First.Code == 0) First = reply;
         return;
@@ -74,40 +73,33 @@ void Transfer::Note(const Reply& reply)
     Final = reply;
     Refused = reply.KindOf() != Reply::Done;
     if (Refused) Data->Abort();
+    if (Lingering) EndLingerSoon();
 }
 
-// The server agrees with a preliminary reply, or by sending, or by an early final one. Returns whether it has.
-Task<bool> Transfer::WaitForStart(bool receiving)
+// Without a word from the server and without a byte of data there is nothing to wait for any more.
+void Transfer::NoteEnd()
 {
-    const auto first = std::make_shared<FirstByte>();
-    if (receiving) asio::co_spawn(Use.Net.Executor(), WatchForData(Data, first, &Control), asio::detached);
-
-    struct Unwatch {
-        FirstByte& First;
-
-        ~Unwatch() { First.Watched = false; }
-    } const unwatch{*first};
-
-    while (First.Code == 0 && Final.Code == 0 && !first->Came) {
-        co_await Control.WaitForReplyOrNudge();
-        if (Control.HasReply()) co_await HearOne();
-    }
-    co_return !Refused;
+    if (!Begun && First.Code == 0 && Final.Code == 0) Data->Abort();
 }
 
+// The server agrees with a preliminary reply, or by an early final one.
+Task<> Transfer::WaitForConsent()
+{
+    while (First.Code == 0 && Final.Code == 0) co_await HearOne();
+}
+
+// It agrees as well by sending, so there is no need to wait for its word before the data.
 Task<Reply> Transfer::Receive(Sink& sink)
 {
-    const bool started = co_await WaitForStart(true);
-    if (!started) co_return co_await HearEnd();
-    sink.Open();
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Drain(sink);
     co_return co_await Finish(std::move(moving));
 }
 
-Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path)
+Task<Reply> Transfer::Send(SourceFile& file, const std::filesystem::path& path, bool eager)
 {
-    const bool started = co_await WaitForStart(false);
-    if (!started) co_return co_await HearEnd();
+    if (!eager) co_await WaitForConsent();
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
 }
@@ -144,6 +136,14 @@ Task<> Transfer::HearOne()
 
 Task<> Transfer::Drain(Sink& sink)
 {
+    {
+        Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
+        const Watching watching(Watch, guard);
+        co_await Data->WaitReadable();
+    }
+    if (Refused) co_return;
+    Begun = true;
+    sink.Open();
     if (sink.Descriptor() >= 0 && Data->NativeSocket() >= 0)
         co_await DrainByPump(sink);
     else
@@ -156,7 +156,7 @@ Task<> Transfer::DrainByPump(Sink& sink)
     SocketToFile pump(Data->NativeSocket(), sink.Descriptor());
     for (;;) {
         const PumpResult moved = pump.Move();
-        Count += moved.Bytes;
+        Meter.Add(moved.Bytes);
         if (moved.Bytes > 0) guard.Progress();
         switch (moved.End) {
         case PumpEnd::Moved:
@@ -184,27 +184,47 @@ Task<> Transfer::DrainByBuffer(Sink& sink)
         const std::size_t count = co_await Data->Read(buffer.data(), buffer.size());
         if (count == 0) co_return;
         guard.Progress();
-        Count += count;
+        Meter.Add(count);
         sink.Write(buffer.data(), count);
     }
 }
 
-Task<> Transfer::Pour(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::Pour(SourceFile& file, const std::filesystem::path& path)
 {
     if (Data->NativeSocket() >= 0)
         co_await PourByPump(file, path);
     else
         co_await PourByBuffer(file, path);
-    co_await Data->SendEnd();
+    co_await Linger();
 }
 
-Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
+// Everything is sent; the end must arrive, too. From then on a lost connection changes nothing: the reply decides.
+Task<> Transfer::Linger()
+{
+    const Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
+    co_await Data->SendEnd();
+    Lingering = true;
+    if (Final.Code != 0) EndLingerSoon();
+    try {
+        co_await Data->AwaitEnd();
+    } catch (const Failure&) {
+        if (Use.Why.IsInterrupted()) throw;
+    }
+    Lingering = false;
+}
+
+void Transfer::EndLingerSoon()
+{
+    LingerEnds = Use.Time.After(LingerLimit, [this] { Data->Abort(); });
+}
+
+Task<> Transfer::PourByPump(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     FileToSocket pump(file.Descriptor(), Data->NativeSocket());
     for (;;) {
         const PumpResult moved = pump.Move();
-        Count += moved.Bytes;
+        Meter.Add(moved.Bytes);
         if (moved.Bytes > 0) guard.Progress();
         switch (moved.End) {
         case PumpEnd::Moved:
@@ -224,7 +244,7 @@ Task<> Transfer::PourByPump(ReadFile& file, const std::filesystem::path& path)
     }
 }
 
-Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
+Task<> Transfer::PourByBuffer(SourceFile& file, const std::filesystem::path& path)
 {
     Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
     std::vector<char> buffer(BufferSize);
@@ -240,7 +260,7 @@ Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
             const std::size_t piece = std::min(PieceSize, count - at);
             co_await Data->Write(std::string(buffer.data() + at, piece));
             guard.Progress();
-            Count += piece;
+            Meter.Add(piece);
         }
     }
 }

@@ -36,6 +36,14 @@ public:
     /// Tells the other side that nothing more comes, and sees to it that what was written arrives.
     virtual Task<> SendEnd() = 0;
 
+    /// After SendEnd: returns when the other side has ended the stream, too, where closing before that could undo what
+    /// was sent. Whatever comes meanwhile is dropped.
+    virtual Task<> AwaitEnd() { co_return; }
+
+    /// Once Read has returned 0: false when the stream ended in a way that anybody between the two sides could have
+    /// brought about, although it should not be possible (TLS without its close).
+    virtual bool EndedProperly() const { return true; }
+
     virtual Task<> WaitReadable() = 0;
     virtual Task<> WaitWritable() = 0;
 

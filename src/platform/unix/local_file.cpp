@@ -25,24 +25,28 @@ std::string PartName()
 
 }  // namespace
 
-ReadFile::ReadFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC))
+// A pipe that has taken the file's place would else be waited for.
+SourceFile::SourceFile(const std::filesystem::path& path) : File(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
 {
     if (File < 0) ThrowLastError();
 
     struct stat facts {};
 
-    if (fstat(File, &facts) == 0 && S_ISREG(facts.st_mode)) return;
+    if (fstat(File, &facts) == 0 && S_ISREG(facts.st_mode)) {
+        Bytes = static_cast<std::uint64_t>(facts.st_size);
+        return;
+    }
     close(File);
     errno = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
     ThrowLastError();
 }
 
-ReadFile::~ReadFile()
+SourceFile::~SourceFile()
 {
     close(File);
 }
 
-std::size_t ReadFile::Read(char* buffer, std::size_t size)
+std::size_t SourceFile::Read(char* buffer, std::size_t size)
 {
     for (;;) {
         const ssize_t count = read(File, buffer, size);

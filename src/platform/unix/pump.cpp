@@ -4,18 +4,23 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #ifdef __linux__
+#include <linux/magic.h>
 #include <sys/sendfile.h>
+#include <sys/statfs.h>
 #endif
 
 namespace {
 
 constexpr std::size_t MaxBytesPerMove = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t PipeBytes = std::size_t{1024} * 1024;
+constexpr std::int64_t ReserveBytes = std::int64_t{16} * 1024 * 1024;
+constexpr std::size_t FirstBytes = std::size_t{32} * 1024;
 constexpr std::size_t ReceiveBufferBytes = std::size_t{1024} * 1024;
-constexpr std::size_t SendBufferBytes = std::size_t{256} * 1024;
+constexpr std::size_t SendBufferBytes = std::size_t{64} * 1024;
 
 #ifdef __linux__
 constexpr bool SystemMoves = true;
@@ -49,6 +54,18 @@ PumpResult SendFailure(std::size_t bytes, int error)
 {
     if (IsWouldBlock(error)) return {PumpEnd::WouldBlock, bytes, 0};
     return {PumpEnd::TargetError, bytes, error};
+}
+
+/// Where both ends are on one machine a page that is handed over as it is must be fetched from memory by the other
+/// end, while one that was copied is still in the processor's cache: copying takes two thirds of the time.
+bool LeadsToThisMachine(int socket)
+{
+    sockaddr_storage peer{};
+    socklen_t size = sizeof peer;
+    if (::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) != 0) return false;
+    if (peer.ss_family == AF_INET)
+        return ntohl(reinterpret_cast<const sockaddr_in&>(peer).sin_addr.s_addr) >> 24 == IN_LOOPBACKNET;
+    return peer.ss_family == AF_INET6 && IN6_IS_ADDR_LOOPBACK(&reinterpret_cast<const sockaddr_in6&>(peer).sin6_addr);
 }
 
 /// Calls until it is not a signal that ended the call.
@@ -86,7 +103,7 @@ void BlockPumpSignals()
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-SocketToFile::SocketToFile(int socket, int file) : Socket(socket), File(file), SystemRefuses(!SystemMoves) {}
+SocketToFile::SocketToFile(int socket, int file) : SystemRefuses(!SystemMoves), Socket(socket), File(file) {}
 
 SocketToFile::~SocketToFile()
 {
@@ -95,8 +112,27 @@ SocketToFile::~SocketToFile()
 
 PumpResult SocketToFile::Move()
 {
+    if (!SystemRefuses && !IsLong) return MoveFirst();
     if (SystemRefuses || !OpenPipe()) return MoveByBuffer();
     return MoveByPipe();
+}
+
+// What fits into a page or two of the program is moved more quickly than a pipe is made.
+PumpResult SocketToFile::MoveFirst()
+{
+    Buffer.resize(FirstBytes);
+    std::size_t moved = 0;
+    while (!IsLong) {
+        const ssize_t count = Persist([&] { return ::recv(Socket, Buffer.data(), Buffer.size(), 0); });
+        if (count < 0) return ReadFailure(moved, errno);
+        if (count == 0) return {PumpEnd::End, moved, 0};
+        const auto bytes = static_cast<std::size_t>(count);
+        IsLong = bytes == Buffer.size();
+        const int error = WriteAll(File, Buffer.data(), bytes, moved);
+        if (error != 0) return {PumpEnd::TargetError, moved, error};
+        if (moved >= MaxBytesPerMove) break;
+    }
+    return {PumpEnd::Moved, moved, 0};
 }
 
 void SocketToFile::ClosePipe()
@@ -121,7 +157,7 @@ PumpResult SocketToFile::MoveByBuffer()
 }
 
 FileToSocket::FileToSocket(int file, int socket, std::int64_t offset)
-    : File(file), Socket(socket), Offset(offset), SystemRefuses(!SystemMoves)
+    : SystemRefuses(!SystemMoves || LeadsToThisMachine(socket)), File(file), Socket(socket), Offset(offset)
 {
 }
 
@@ -149,9 +185,38 @@ PumpResult FileToSocket::MoveByBuffer()
 
 #ifdef __linux__
 
+namespace {
+
+// File systems that give room in one piece more quickly than page by page, and take back what was too much.
+bool ReservesWell(int file)
+{
+    struct statfs facts {};
+
+    if (::fstatfs(file, &facts) != 0) return false;
+    return facts.f_type == TMPFS_MAGIC || facts.f_type == EXT4_SUPER_MAGIC || facts.f_type == XFS_SUPER_MAGIC;
+}
+
+}  // namespace
+
+// A full disk shows when there is something to write, not here.
+void SocketToFile::ReserveRoom()
+{
+    if (!MayReserve || Place + static_cast<std::int64_t>(PipeBytes) <= Reserved) return;
+    MayReserve = ::fallocate(File, FALLOC_FL_KEEP_SIZE, Reserved, ReserveBytes) == 0;
+    if (MayReserve) Reserved += ReserveBytes;
+}
+
+void SocketToFile::ReleaseRoom()
+{
+    if (Reserved > Place) static_cast<void>(::ftruncate(File, Place));
+    Reserved = Place;
+}
+
 bool SocketToFile::OpenPipe()
 {
     if (PipeBegin >= 0) return true;
+    Place = Reserved = ::lseek(File, 0, SEEK_CUR);
+    MayReserve = Place >= 0 && ReservesWell(File);
     int ends[2] = {-1, -1};
     if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return false;
     PipeEnd = ends[0];
@@ -165,14 +230,18 @@ PumpResult SocketToFile::MoveByPipe()
 {
     std::size_t moved = 0;
     while (moved < MaxBytesPerMove) {
+        ReserveRoom();
         const ssize_t count = Persist([&] {
             return ::splice(Socket, nullptr, PipeBegin, nullptr, PipeBytes, SPLICE_F_MOVE | SPLICE_F_NONBLOCK);
         });
         if (count < 0 && IsRefusal(errno)) SystemRefuses = true;
         if (SystemRefuses) return {PumpEnd::Moved, moved, 0};
         if (count < 0) return ReadFailure(moved, errno);
+        if (count == 0) ReleaseRoom();
         if (count == 0) return {PumpEnd::End, moved, 0};
+        const std::size_t before = moved;
         const int error = EmptyPipe(static_cast<std::size_t>(count), moved);
+        Place += static_cast<std::int64_t>(moved - before);
         if (error != 0) {
             ClosePipe();
             return {PumpEnd::TargetError, moved, error};

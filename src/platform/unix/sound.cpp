@@ -99,7 +99,10 @@ private:
     bool Ending = false;
 };
 
-SoundPlayer::SoundPlayer(const QString& library) : Own(std::make_shared<Player>(TextToBytes(library))) {}
+SoundPlayer::SoundPlayer(const QString& library)
+    : Own(std::make_shared<Player>(library.isEmpty() ? "libcanberra.so.0" : TextToBytes(library)))
+{
+}
 
 SoundPlayer::~SoundPlayer()
 {

@@ -1,0 +1,56 @@
+#include "app/windows_start.h"
+
+#include <QEvent>
+#include <QSettings>
+#include <windows.h>
+
+namespace {
+
+constexpr auto SystemStyle = "windowsvista";
+constexpr auto ToolkitStyle = "fusion";
+
+/// A desktop in high contrast has colours of its own, which the system's style shows.
+bool IsHighContrast()
+{
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof contrast;
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) != 0 &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+bool IsDesktopDark()
+{
+    const QSettings chosen("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
+                           QSettings::NativeFormat);
+    return chosen.value("AppsUseLightTheme", 1).toInt() == 0 && !IsHighContrast();
+}
+
+}  // namespace
+
+void PrepareForWindows()
+{
+    SetDllDirectoryW(L"");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "windows:darkmode=2");
+}
+
+WindowsStyle::WindowsStyle(QApplication& program)
+{
+    program.installEventFilter(this);
+    Apply();
+}
+
+// A style cannot be changed from within the event that tells of new colours.
+bool WindowsStyle::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool coloursChanged = event->type() == QEvent::ApplicationPaletteChange;
+    if (coloursChanged && watched == qApp) QMetaObject::invokeMethod(this, &WindowsStyle::Apply, Qt::QueuedConnection);
+    return false;
+}
+
+void WindowsStyle::Apply()
+{
+    const bool dark = IsDesktopDark();
+    if (dark == Dark) return;
+    Dark = dark;
+    QApplication::setStyle(dark ? ToolkitStyle : SystemStyle);
+}

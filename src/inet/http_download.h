@@ -1,0 +1,86 @@
+#pragma once
+
+#include "inet/ftp/data_ends.h"
+#include "inet/ftp/proxy_address.h"
+#include "inet/ftp/session.h"
+#include "inet/http_inquiry.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QObject>
+#include <QTimer>
+#include <QUrl>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+/// What is to be fetched, and how.
+struct HttpRequest {
+    QUrl Url;          ///< without user and password
+    QString User;      ///< empty: nobody in particular
+    QString Password;  ///< sent, like the user, to the scheme, host and port of Url and nowhere else
+    Ftp::Proxy Via;    ///< for every connection of the request
+    Ftp::Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
+    std::filesystem::path File;                          ///< where the bytes go; empty: into the outcome's reply
+};
+
+/// One GET by HTTP or secure HTTP (RFC 9110), with the redirects that it leads to. The bytes go to the file as they
+/// come, and no faster than the disk takes them. Lives on a thread with an event loop; going away ends it in silence.
+class HttpDownload final : public QObject {
+    Q_OBJECT
+
+public:
+    HttpDownload(HttpRequest request, std::function<void(int)> state, std::function<void(Ftp::Outcome)> ended);
+    ~HttpDownload() override;
+
+    void Begin();
+
+    /// Ends it now with CancelledError, unless it has ended.
+    void Cancel();
+
+    /// Ends it now and tells nobody.
+    void Silence();
+
+    bool HasConnected() const { return Told >= 4; }
+
+private:
+    void Inquire();
+    void Send(const HttpInquiry::Answer& answer);
+    void TakeHead();
+    void FollowRedirect(const QByteArray& location);
+    void TakeData();
+    void TakeEnd();
+    void CheckWhole() const;
+    void Authenticate(QAuthenticator* authenticator);
+    void NoteCertificate(const QList<QSslError>& errors);
+    void Tell(int state);
+    void Fail(int code, const std::string& sentence);
+    void FailByStatus();
+    void FailByError();
+    void End(Ftp::Outcome outcome);
+    void DropReply();
+    int Status() const;
+
+    template <typename Step>
+    void Try(Step step);
+
+    HttpRequest Wanted;
+    std::function<void(int)> State;
+    std::function<void(Ftp::Outcome)> Ended;
+
+    std::unique_ptr<Ftp::Sink> Target;
+    Ftp::MemorySink* Memory = nullptr;  ///< the same, when it is memory
+    bool BehindProxy = false;           ///< the request that runs
+    QUrl Url;                           ///< of the request that runs: the wanted one, or what it led to
+    std::unique_ptr<HttpInquiry> Inquiry;
+    QNetworkAccessManager Manager;
+    QNetworkReply* Reply = nullptr;
+    QTimer Clock;  ///< runs out when nothing moves
+    std::string CertificateTrouble;
+    qint64 Size = 0;  ///< of what has come
+    int Redirects = 0;
+    int Told = 0;  ///< the highest state reported
+    bool Opened = false;
+    bool Identified = false;  ///< user and password have been given
+    bool HasEnded = false;
+};

@@ -1,0 +1,111 @@
+#include "inet/http_worker.h"
+
+#include <QDeadlineTimer>
+#include <QObject>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+/// What both threads know. Nothing else may be touched by the worker's own, which may outlive the worker.
+struct HttpWorker::Shared : std::enable_shared_from_this<HttpWorker::Shared> {
+    void Start(const HttpRequest& request, const Worker::Listener& listener);
+    void End(const Worker::Listener& listener, Ftp::Outcome outcome);
+
+    QObject Loop;                            ///< lives on the thread
+    std::unique_ptr<HttpDownload> Download;  ///< on the thread only
+
+    std::mutex Lock;
+    std::condition_variable Changed;
+    bool Busy = false;       ///< under Lock
+    bool Abandoned = false;  ///< under Lock: nobody listens any more
+};
+
+void HttpWorker::Shared::Start(const HttpRequest& request, const Worker::Listener& listener)
+{
+    {
+        const std::lock_guard guard(Lock);
+        if (Abandoned) return;
+    }
+    const auto ended = [this, listener](Ftp::Outcome outcome) { End(listener, std::move(outcome)); };
+    const auto state = [listener](int number) { listener(std::vector<Worker::News>(1, number)); };
+    Download = std::make_unique<HttpDownload>(request, state, ended);
+    Download->Begin();
+}
+
+// The next one may be handed over as soon as the end of this one has been told, so it is over before that. Its
+// connections close with it, but not under its feet.
+void HttpWorker::Shared::End(const Worker::Listener& listener, Ftp::Outcome outcome)
+{
+    {
+        const std::lock_guard guard(Lock);
+        Busy = false;
+        Changed.notify_all();
+    }
+    listener(std::vector<Worker::News>(1, std::move(outcome)));
+    const auto tidy = [self = shared_from_this(), over = Download.get()] {
+        if (self->Download.get() == over) self->Download.reset();
+    };
+    QMetaObject::invokeMethod(&Loop, tidy, Qt::QueuedConnection);
+}
+
+HttpWorker::HttpWorker() : Place(std::make_shared<Shared>()), Thread(std::make_unique<QThread>())
+{
+    Place->Loop.moveToThread(Thread.get());
+    Thread->start();
+}
+
+HttpWorker::~HttpWorker()
+{
+    constexpr auto Patience = std::chrono::milliseconds(300);
+    bool silent = false;
+    {
+        std::unique_lock guard(Place->Lock);
+        const auto silence = [place = Place] {
+            if (place->Download) place->Download->Silence();
+            const std::lock_guard inner(place->Lock);
+            place->Abandoned = true;
+            place->Changed.notify_all();
+        };
+        QMetaObject::invokeMethod(&Place->Loop, silence, Qt::QueuedConnection);
+        silent = Place->Changed.wait_for(guard, Patience, [this] { return Place->Abandoned; });
+        Place->Abandoned = true;
+    }
+    QMetaObject::invokeMethod(
+        &Place->Loop, [place = Place] { place->Download.reset(); }, Qt::QueuedConnection);
+    Thread->quit();
+    if (silent && Thread->wait(QDeadlineTimer(Patience))) return;
+    // Both stay for as long as the process does.
+    (void)Thread.release();
+    (void)new std::shared_ptr<Shared>(Place);
+}
+
+void HttpWorker::Fetch(HttpRequest request, Worker::Listener listener)
+{
+    {
+        const std::lock_guard guard(Place->Lock);
+        Place->Busy = true;
+    }
+    const auto start = [place = Place, request = std::move(request), listener = std::move(listener)] {
+        place->Start(request, listener);
+    };
+    QMetaObject::invokeMethod(&Place->Loop, start, Qt::QueuedConnection);
+}
+
+bool HttpWorker::Cancel()
+{
+    bool asked = false;
+    bool wasOpen = false;
+    const auto cancel = [&, place = Place] {
+        wasOpen = place->Download && place->Download->HasConnected();
+        if (place->Download) place->Download->Cancel();
+        const std::lock_guard guard(place->Lock);
+        asked = true;
+        place->Changed.notify_all();
+    };
+    QMetaObject::invokeMethod(&Place->Loop, cancel, Qt::QueuedConnection);
+    std::unique_lock guard(Place->Lock);
+    Place->Changed.wait(guard, [&] { return asked && !Place->Busy; });
+    return wasOpen;
+}

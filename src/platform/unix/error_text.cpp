@@ -1,0 +1,8 @@
+#include "platform/error_text.h"
+
+#include <system_error>
+
+std::string SystemErrorText(int error)
+{
+    return std::generic_category().message(error);
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QString>
+
+/// A certificate that a test made for itself, and its key. Who is to accept it must be told to trust it.
+struct HttpCertificate {
+    QSslCertificate Certificate;
+    QSslKey Key;
+
+    /// For a host, a name or a number, from `firstDay` to `lastDay` counted from today; signed by an authority, or by
+    /// itself.
+    static HttpCertificate For(const QString& host, int firstDay = -1, int lastDay = 30,
+                               const HttpCertificate* authority = nullptr);
+};

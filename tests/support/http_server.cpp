@@ -1,0 +1,143 @@
+#include "support/http_server.h"
+
+#include <QSslConfiguration>
+#include <QSslServer>
+#include <QTimer>
+#include <algorithm>
+#include <sys/socket.h>
+
+HttpServer::HttpServer(const std::optional<HttpCertificate>& certificate) : IsSecure(certificate.has_value())
+{
+    if (certificate) {
+        auto secure = std::make_unique<QSslServer>();
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(certificate->Certificate);
+        configuration.setPrivateKey(certificate->Key);
+        secure->setSslConfiguration(configuration);
+        Listener = std::move(secure);
+    } else {
+        Listener = std::make_unique<QTcpServer>();
+    }
+    connect(Listener.get(), &QTcpServer::pendingConnectionAvailable, this, &HttpServer::Greet);
+    if (!Listener->listen(QHostAddress::LocalHost)) qFatal("no port to listen on");
+}
+
+HttpServer::~HttpServer()
+{
+    const QList<QTcpSocket*> sockets = Clients.keys();
+    for (QTcpSocket* socket : sockets) Forget(socket);
+}
+
+QString HttpServer::Url(const QString& path) const
+{
+    return QStringLiteral("%1://127.0.0.1:%2%3").arg(IsSecure ? "https" : "http").arg(Port()).arg(path);
+}
+
+QByteArray HttpServer::Whole(const QByteArray& status, const QByteArray& body, const QByteArray& header)
+{
+    return "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n" + header + "\r\n" +
+           body;
+}
+
+HttpServer::Answer HttpServer::Redirect(const QByteArray& location)
+{
+    return {Whole("302 Found", "gone elsewhere", "Location: " + location + "\r\n")};
+}
+
+void HttpServer::Greet()
+{
+    while (QTcpSocket* socket = Listener->nextPendingConnection()) {
+        Clients.insert(socket, {});
+        ++Connections;
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(socket); });
+        connect(socket, &QTcpSocket::bytesWritten, this, [this, socket] { Fill(socket); });
+        connect(socket, &QTcpSocket::disconnected, this, [this, socket] { Forget(socket); });
+        Read(socket);
+    }
+}
+
+void HttpServer::Forget(QTcpSocket* socket)
+{
+    if (Clients.remove(socket) == 0) return;
+    socket->disconnect(this);
+    socket->deleteLater();
+}
+
+void HttpServer::Read(QTcpSocket* socket)
+{
+    QByteArray& buffer = Clients[socket].Buffer;
+    buffer += socket->readAll();
+    const qsizetype end = buffer.indexOf("\r\n\r\n");
+    if (end < 0) return;
+    const QByteArrayList lines = buffer.first(end).split('\n');
+    buffer.remove(0, end + 4);
+    Request request;
+    request.Line = lines.first().trimmed();
+    request.Path = request.Line.split(' ').value(1);
+    for (const QByteArray& line : lines.mid(1)) {
+        const qsizetype colon = line.indexOf(':');
+        request.Headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
+    }
+    Requests << request;
+    const Answer missing{Whole("404 Not Found", "no such file")};
+    Obey(socket, Respond ? Respond(request) : Answers.value(request.Path, missing));
+}
+
+void HttpServer::Obey(QTcpSocket* socket, const Answer& answer)
+{
+    Client& client = Clients[socket];
+    client.Then = answer.Then;
+    client.Filling = answer.Filling;
+    client.Drips = answer.InDrops;
+    if (answer.InDrops) {
+        Drip(socket, answer.Bytes);
+        return;
+    }
+    socket->write(answer.Bytes);
+    Fill(socket);
+}
+
+void HttpServer::Drip(QTcpSocket* socket, const QByteArray& bytes)
+{
+    if (!Clients.contains(socket)) return;
+    socket->write(bytes.first(1));
+    if (bytes.size() > 1)
+        QTimer::singleShot(0, socket, [this, socket, rest = bytes.mid(1)] { Drip(socket, rest); });
+    else
+        Finish(socket);
+}
+
+// No more than a piece ahead of what the system takes.
+void HttpServer::Fill(QTcpSocket* socket)
+{
+    constexpr qint64 Piece = qint64{256} * 1024;
+    Client& client = Clients[socket];
+    if (client.Drips) return;
+    while (client.Filling > 0 && socket->bytesToWrite() < Piece) {
+        const qint64 size = std::min(client.Filling, Piece);
+        client.Filling -= size;
+        Sent += size;
+        socket->write(QByteArray(size, 'x'));
+    }
+    if (client.Filling == 0) Finish(socket);
+}
+
+void HttpServer::Finish(QTcpSocket* socket)
+{
+    switch (Clients[socket].Then) {
+    case Answer::Stay:
+        return;
+    case Answer::Close:
+        socket->disconnectFromHost();
+        return;
+    case Answer::Reset:
+        if (socket->bytesToWrite() > 0) return;
+        // Not from within the socket's own doings.
+        QTimer::singleShot(0, socket, [socket] {
+            const linger hard{1, 0};
+            ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+            socket->abort();
+        });
+        return;
+    }
+}
