@@ -1,6 +1,6 @@
 ; The installer: per user, without administrator's rights, so that the program can keep its files in its own folder.
 ; Takes VERSION, TREE (the folder to install), REMOVE (the lines that take it away), TOP (the checkout) and OUT.
-Unicode true
+Target amd64-unicode
 SetCompressor /SOLID lzma
 !include MUI2.nsh
 !include FileFunc.nsh

@@ -17,6 +17,10 @@
 #include <variant>
 #include <vector>
 
+#ifdef Yield
+#undef Yield  // a macro of Windows' headers, which come with Asio; it means nothing
+#endif
+
 /// The transfer thread and the session that lives on it. Its members are called from one other thread; what it calls
 /// back is called on the transfer thread, and must only hand over.
 class Worker {

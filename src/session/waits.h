@@ -5,10 +5,6 @@
 #include <QObject>
 #include <utility>
 
-#ifdef Yield
-#undef Yield  // a macro of Windows' own headers, which means nothing
-#endif
-
 class Inet;
 class QTimer;
 

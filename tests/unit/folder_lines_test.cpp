@@ -1,5 +1,6 @@
 #include "local/folder_lines.h"
 
+#include <QDir>
 #include <QTest>
 
 class FolderLinesTest : public QObject {
@@ -23,6 +24,18 @@ QStringList Drawn(const std::vector<FolderLine>& lines)
     return drawn;
 }
 
+/// As this system writes paths.
+QString Native(const QString& path)
+{
+    return QDir::toNativeSeparators(path);
+}
+
+QStringList Native(QStringList lines)
+{
+    for (QString& line : lines) line = Native(line);
+    return lines;
+}
+
 }  // namespace
 
 void FolderLinesTest::TheWayDownComesFirstThenTheSubFolders()
@@ -34,26 +47,26 @@ void FolderLinesTest::TheWayDownComesFirstThenTheSubFolders()
         "      music = /home/ann/music",
         "      web pages = /home/ann/web pages",
     };
-    QCOMPARE(Drawn(FolderLines("/home/ann", {"music", "web pages"})), wanted);
+    QCOMPARE(Drawn(FolderLines(Native("/home/ann"), {"music", "web pages"})), Native(wanted));
 }
 
 void FolderLinesTest::TheRootStandsAlone()
 {
     const QStringList wanted{"[/] = /", "  bin = /bin", "  etc = /etc"};
-    QCOMPARE(Drawn(FolderLines("/", {"bin", "etc"})), wanted);
+    QCOMPARE(Drawn(FolderLines(Native("/"), {"bin", "etc"})), Native(wanted));
 }
 
 void FolderLinesTest::ASeparatorAtTheEndMakesNoLine()
 {
-    QCOMPARE(Drawn(FolderLines("/home/", {})), (QStringList{"[/] = /", "  [home] = /home"}));
+    QCOMPARE(Drawn(FolderLines(Native("/home/"), {})), Native(QStringList{"[/] = /", "  [home] = /home"}));
 }
 
 void FolderLinesTest::NamesThatAreNoTextStayTrue()
 {
     const QString odd = QString("a") + QChar(0xDCE9);
-    const auto lines = FolderLines("/" + odd, {odd});
+    const auto lines = FolderLines(Native("/" + odd), {odd});
     QCOMPARE(lines[1].Name, odd);
-    QCOMPARE(lines[2].Path, "/" + odd + "/" + odd);
+    QCOMPARE(lines[2].Path, Native("/" + odd + "/" + odd));
 }
 
 QTEST_GUILESS_MAIN(FolderLinesTest)

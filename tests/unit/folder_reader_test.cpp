@@ -22,11 +22,11 @@ private slots:
     void cleanup();
     void NamesAreSortedWithoutRegardToCaseAndDotNamesComeLast();
     void OnlyFilesMustMatchThePattern();
-    void LinksCountAsWhatTheyPointTo();
 #ifndef Q_OS_WIN
+    void LinksCountAsWhatTheyPointTo();
     void PipesAreLeftOut();
-#endif
     void NamesThatAreNoTextComeBackAsTheSameBytes();
+#endif
     void ALargeFolderIsReadInSlicesAndComesOutSorted();
     void AFolderThatIsNotThereIsAnError();
     void AFileIsNoFolder();
@@ -78,10 +78,10 @@ void FolderReaderTest::cleanup()
 
 void FolderReaderTest::NamesAreSortedWithoutRegardToCaseAndDotNamesComeLast()
 {
-    for (const char* name : {"b.txt", "A.txt", ".htaccess", "a.txt", "C"}) MakeFile(name);
+    for (const char* name : {"b.txt", "A.txt", ".htaccess", "aa.txt", "C"}) MakeFile(name);
     for (const char* name : {"zoo", ".git", "Bar"}) fs::create_directory(Place() / name);
     const FolderReader reader = Read();
-    QCOMPARE(reader.Files(), (QStringList{"A.txt", "a.txt", "b.txt", "C", ".htaccess"}));
+    QCOMPARE(reader.Files(), (QStringList{"A.txt", "aa.txt", "b.txt", "C", ".htaccess"}));
     QCOMPARE(reader.Folders(), (QStringList{"Bar", "zoo", ".git"}));
 }
 
@@ -96,6 +96,7 @@ void FolderReaderTest::OnlyFilesMustMatchThePattern()
     QCOMPARE(reader.Folders(), QStringList{"pictures"});
 }
 
+#ifndef Q_OS_WIN
 void FolderReaderTest::LinksCountAsWhatTheyPointTo()
 {
     MakeFile("file");
@@ -108,7 +109,6 @@ void FolderReaderTest::LinksCountAsWhatTheyPointTo()
     QCOMPARE(reader.Folders(), (QStringList{"folder", "to folder"}));
 }
 
-#ifndef Q_OS_WIN
 // Whoever opened one to send it would wait for a writer for ever.
 void FolderReaderTest::PipesAreLeftOut()
 {
@@ -116,7 +116,6 @@ void FolderReaderTest::PipesAreLeftOut()
     QCOMPARE(::mkfifo((Place() / "pipe").c_str(), 0600), 0);
     QCOMPARE(Read().Files(), QStringList{"file"});
 }
-#endif
 
 void FolderReaderTest::NamesThatAreNoTextComeBackAsTheSameBytes()
 {
@@ -125,6 +124,7 @@ void FolderReaderTest::NamesThatAreNoTextComeBackAsTheSameBytes()
     QCOMPARE(files.size(), 1);
     QCOMPARE(TextToBytes(files[0]), QByteArray("caf\xE9.txt"));
 }
+#endif
 
 void FolderReaderTest::ALargeFolderIsReadInSlicesAndComesOutSorted()
 {

@@ -7,6 +7,8 @@
 #include "platform/places.h"
 #include "platform/short_path.h"
 
+#include <QDir>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -28,18 +30,22 @@ private slots:
     void cleanup();
 
     void TheVariableNamesTheProgramsFolder();
+#ifndef Q_OS_WIN
     void TheProgramsFolderIsMadeWhenItIsMissing();
+#endif
     void TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten();
     void TheShortFormOfNothingIsNothing();
     void TheShortPathOfAMissingFileIsThePathItself();
     void TheShortNameOfAMissingFileIsEmpty();
     void TheShortNameOfAFileStartsAtTheCurrentFolder();
+#ifndef Q_OS_WIN
     void TheCurrentFolderKeepsEveryByte();
+#endif
     void AMissingFolderIsReportedAndLeavesTheCurrentOne();
     void TheFreeSpaceIsTheFileSystems();
-    void TheFreeSpaceOfAMissingPathIsUnknown();
 #ifndef Q_OS_WIN
     void APipeInAFilesPlaceIsNotWaitedFor();
+    void TheFreeSpaceOfAMissingPathIsUnknown();
     void ARequestToEndArrivesInTheEventLoop_data();
     void ARequestToEndArrivesInTheEventLoop();
     void AnIgnoredRequestStaysIgnored();
@@ -70,11 +76,12 @@ void PlatformTest::cleanup()
 void PlatformTest::TheVariableNamesTheProgramsFolder()
 {
     qputenv("TOLVANE_HOME", Folder->path().toUtf8());
-    QCOMPARE(ProgramFolder(), Folder->path());
+    QCOMPARE(ProgramFolder(), QDir::toNativeSeparators(Folder->path()));
     qputenv("TOLVANE_HOME", Folder->path().toUtf8() + "/");
-    QCOMPARE(ProgramFolder(), Folder->path());
+    QCOMPARE(ProgramFolder(), QDir::toNativeSeparators(Folder->path()));
 }
 
+#ifndef Q_OS_WIN
 void PlatformTest::TheProgramsFolderIsMadeWhenItIsMissing()
 {
     const QByteArray home = Folder->path().toUtf8() + "/a/caf\xE9";
@@ -82,10 +89,11 @@ void PlatformTest::TheProgramsFolderIsMadeWhenItIsMissing()
     QCOMPARE(TextToBytes(ProgramFolder()), home);
     QVERIFY(std::filesystem::is_directory(home.toStdString()));
 }
+#endif
 
 void PlatformTest::TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten()
 {
-    QCOMPARE(ProgramFolder(), QCoreApplication::applicationDirPath());
+    QCOMPARE(ProgramFolder(), QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
 }
 
 void PlatformTest::TheShortFormOfNothingIsNothing()
@@ -108,11 +116,18 @@ void PlatformTest::TheShortNameOfAMissingFileIsEmpty()
 void PlatformTest::TheShortNameOfAFileStartsAtTheCurrentFolder()
 {
     ChangeCurrentFolder(Folder->path());
+#ifdef Q_OS_WIN
+    const QString name = "a long name.menu.txt";
+    const QString wanted = "^[A-Z0-9_]{1,6}~[0-9A-Z]{1,4}\\.TXT$";  // the shape, since the system may choose any
+#else
     const QString name = BytesToText("caf\xE9 menu.txt");
+    const QString wanted = QRegularExpression::anchoredPattern(QRegularExpression::escape(name));
+#endif
     std::ofstream(FilePath(name)) << "tea";
-    QCOMPARE(ShortName(name), name);
+    QVERIFY2(QRegularExpression(wanted).match(ShortName(name)).hasMatch(), qPrintable(ShortName(name)));
 }
 
+#ifndef Q_OS_WIN
 void PlatformTest::TheCurrentFolderKeepsEveryByte()
 {
     const QString folder = Folder->path() + "/" + BytesToText("caf\xE9");
@@ -120,6 +135,7 @@ void PlatformTest::TheCurrentFolderKeepsEveryByte()
     ChangeCurrentFolder(folder);
     QCOMPARE(CurrentFolder(), folder);
 }
+#endif
 
 void PlatformTest::AMissingFolderIsReportedAndLeavesTheCurrentOne()
 {
@@ -142,12 +158,12 @@ void PlatformTest::TheFreeSpaceIsTheFileSystems()
     QVERIFY(space->Bytes() > 0);
 }
 
+#ifndef Q_OS_WIN
 void PlatformTest::TheFreeSpaceOfAMissingPathIsUnknown()
 {
     QVERIFY(!FreeSpaceOf(Folder->path() + "/gone").has_value());
 }
 
-#ifndef Q_OS_WIN
 void PlatformTest::APipeInAFilesPlaceIsNotWaitedFor()
 {
     const QTemporaryDir folder;

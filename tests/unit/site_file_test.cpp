@@ -33,15 +33,17 @@ private slots:
     void TheMarksOutliveARewrite();
     void AFullBookTakesNoMore();
     void ABookWithOneRecordTooManyIsNeitherReadNorWritten();
+#ifndef Q_OS_WIN
     void OnlyTheOwnerMayReadTheBook_data();
     void OnlyTheOwnerMayReadTheBook();
+#endif
     void AFailedLoadLeavesTheArraysAsTheyWere();
     void AFailedWriteLeavesTheBookAsItWas();
     void NothingIsLeftBesideTheBook();
     void WhatAKilledProgramLeftGoesWithTheNextChange();
     void RemovingTakesTheFileAway();
-    void AFolderWhoseNameIsNoUtf8HoldsABookToo();
 #ifndef Q_OS_WIN
+    void AFolderWhoseNameIsNoUtf8HoldsABookToo();
     void ALinkToTheBookStaysALink();
     void APipeInTheBooksPlaceHoldsNobodyUp();
 #endif
@@ -222,6 +224,7 @@ void SiteFileTest::ABookWithOneRecordTooManyIsNeitherReadNorWritten()
     QVERIFY(Bytes() == over);
 }
 
+#ifndef Q_OS_WIN
 void SiteFileTest::OnlyTheOwnerMayReadTheBook_data()
 {
     QTest::addColumn<bool>("there");
@@ -246,6 +249,7 @@ void SiteFileTest::OnlyTheOwnerMayReadTheBook()
     SiteFile(Name()).Erase(1);
     QCOMPARE(QFileInfo(Name()).permissions() & Others, QFile::Permissions());
 }
+#endif
 
 void SiteFileTest::AFailedLoadLeavesTheArraysAsTheyWere()
 {
@@ -297,6 +301,7 @@ void SiteFileTest::RemovingTakesTheFileAway()
     QCOMPARE(Refusal([&] { file.Remove(); }), QString("File not found"));
 }
 
+#ifndef Q_OS_WIN
 void SiteFileTest::AFolderWhoseNameIsNoUtf8HoldsABookToo()
 {
     const QString folder = Folder->filePath(BytesToText("caf\xE9"));
@@ -311,7 +316,6 @@ void SiteFileTest::AFolderWhoseNameIsNoUtf8HoldsABookToo()
     QVERIFY(std::filesystem::remove(FilePath(folder)));  // so nothing else is in it
 }
 
-#ifndef Q_OS_WIN
 void SiteFileTest::ALinkToTheBookStaysALink()
 {
     QVERIFY(QFile(Name()).open(QIODevice::WriteOnly));

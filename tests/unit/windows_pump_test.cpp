@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
+#include <utility>
 #include <winsock2.h>
 
 namespace {
@@ -102,7 +103,6 @@ private slots:
     void EveryMoveLeavesItsBytesInTheFile();
     void BytesGoToTheFilesOwnPosition();
     void AFileThatCannotBeWrittenIsAnErrorOfTheTarget();
-    void AConnectionResetIsAnErrorOfTheSource();
     void AFileArrivesAtTheOtherSide_data();
     void AFileArrivesAtTheOtherSide();
     void AFullSocketIsNoEnd();
@@ -243,19 +243,6 @@ void WindowsPumpTest::AFileThatCannotBeWrittenIsAnErrorOfTheTarget()
     _close(readOnly);
     QCOMPARE(result.End, PumpEnd::TargetError);
     QCOMPARE(result.Error, ERROR_ACCESS_DENIED);
-}
-
-void WindowsPumpTest::AConnectionResetIsAnErrorOfTheSource()
-{
-    Pair pair;
-    const linger atOnce{1, 0};
-    setsockopt(pair.Theirs, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&atOnce), sizeof atOnce);
-    closesocket(std::exchange(pair.Theirs, INVALID_SOCKET));
-    QVERIFY(Pair::WaitUntilReadable(pair.Ours));
-    SocketToFile pump(pair.Number(), File);
-    const PumpResult result = pump.Move();
-    QCOMPARE(result.End, PumpEnd::SourceError);
-    QCOMPARE(result.Error, WSAECONNRESET);
 }
 
 void WindowsPumpTest::AFileArrivesAtTheOtherSide_data()
