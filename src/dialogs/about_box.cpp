@@ -7,6 +7,7 @@
 
 #include <QPixmap>
 #include <QScreen>
+#include <QTimer>
 
 namespace {
 
@@ -59,6 +60,7 @@ void AboutBox::mnuAbout_Click()
 
 void AboutBox::ShowAtStart()
 {
+    MainWindow.winId();  // a dialog stays above a window that the system knows already
     if (!Window) Form_Load();
     Window->setAttribute(Qt::WA_ShowWithoutActivating);
     Window->adjustSize();
@@ -66,7 +68,8 @@ void AboutBox::ShowAtStart()
     place.moveCenter(Window->screen()->availableGeometry().center());
     Window->move(place.topLeft());
     Window->show();
-    Window->raise();
+    // The main window comes to the front when its start is over.
+    QTimer::singleShot(0, Window, &QWidget::raise);
 }
 
 void AboutBox::Command1_Click()

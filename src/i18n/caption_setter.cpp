@@ -126,6 +126,7 @@ void SetCaptions(QWidget& window, const Language& language, ErrorRecord& errors)
     for (QAction* action : window.findChildren<QAction*>())
         if (IsMenuEntry(*action)) errors.Attempt([&] { SetMenuCaption(*action, language); });
     for (QWidget* widget : window.findChildren<QWidget*>()) {
+        if (widget->window() != &window) continue;  // the controls of its dialogs are their own affair
         const Kind kind = KindOf(*widget);
         if (kind == Kind::NoControl || kind == Kind::Skipped) continue;
         errors.Attempt([&] { SetCaption(*widget, kind, language); });

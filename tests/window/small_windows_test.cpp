@@ -25,6 +25,7 @@ private slots:
     void ItsLinksAskAndOpenThePage_data();
     void ItsLinksAskAndOpenThePage();
     void ItsLinksWorkByKeyboard();
+    void AChangeOfLanguageLeavesItsButtonAlone();
     void ItGoesWithTheProgram();
 
     void TheWebButtonAsksFirst();
@@ -49,6 +50,7 @@ private:
     QDialog* Box() const { return Program->Window->findChild<QDialog*>("Abouts"); }
 
     QStringList Titles() const;
+    void ChooseGerman() const;
 
     QString Front() const { return Program->Control<PictureStrip>("AdsStrip").Front()->objectName(); }
 
@@ -77,6 +79,17 @@ QStringList SmallWindowsTest::Titles() const
     QStringList titles;
     for (const Question& question : Program->Questions.Questions) titles += question.Title;
     return titles;
+}
+
+void SmallWindowsTest::ChooseGerman() const
+{
+    QTimer::singleShot(0, Program->Window.get(), [] {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            if (window->objectName() == "frmOpen")
+                QTest::mouseClick(window->findChild<QWidget*>("Command4"), Qt::LeftButton);
+    });
+    Program->Choose("mnuLamguage");
+    QCOMPARE(Program->Texts.LanguageBase, std::int16_t(5000));
 }
 
 void SmallWindowsTest::TheMenuShowsTheAboutBox()
@@ -162,6 +175,16 @@ void SmallWindowsTest::ItsLinksWorkByKeyboard()
     QTest::keyClick(Box()->findChild<QWidget*>("Label6"), Qt::Key_Return);
     QTest::keyClick(Box()->findChild<QWidget*>("Label7"), Qt::Key_Space);
     QCOMPARE(Program->Opened, (QStringList{MakersSite, MakersSite}));
+}
+
+void SmallWindowsTest::AChangeOfLanguageLeavesItsButtonAlone()
+{
+    Program->Choose("mnuAbout");
+    ChooseGerman();
+    QCOMPARE(Program->Control<QLabel>("lblURL").text(), Program->Texts.LoadText(27));
+    QCOMPARE(Box()->findChild<QPushButton*>("Command1")->text(), QString("&Done"));
+    QCOMPARE(Box()->findChild<QPushButton*>("Command1")->toolTip(), QString());
+    Program->Texts.LanguageBase = 1000;
 }
 
 void SmallWindowsTest::ItGoesWithTheProgram()
@@ -321,13 +344,7 @@ void SmallWindowsTest::ThePicturesAreReadOutAsTheOffer()
 
 void SmallWindowsTest::AfterAChangeOfLanguageTheOfferIsThereAgain()
 {
-    QTimer::singleShot(0, Program->Window.get(), [] {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (window->objectName() == "frmOpen")
-                QTest::mouseClick(window->findChild<QWidget*>("Command4"), Qt::LeftButton);
-    });
-    Program->Choose("mnuLamguage");
-    QCOMPARE(Program->Texts.LanguageBase, std::int16_t(5000));
+    ChooseGerman();
     for (int index = 0; index < 30; ++index) {
         const auto& picture = Program->Control<QWidget>(qPrintable(QString("ads_%1").arg(index)));
         QCOMPARE(picture.toolTip(), Program->Texts.LoadText(73));
