@@ -48,6 +48,13 @@ QNetworkProxy ProxyOf(const Ftp::Proxy& via)
                          QString::fromStdString(via.Password));
 }
 
+/// Whether the library drives the proxy behind a socket of its own making. Such a one stalls when its buffer is
+/// bounded (Qt 6.4), so there the reading alone keeps the memory small.
+bool IsEmulated(const Ftp::Proxy& via, const QUrl& url)
+{
+    return via.Kind == Ftp::Proxy::Socks5 || (via.Kind == Ftp::Proxy::Connect && url.scheme() == u"https");
+}
+
 /// What ended a request that no status of the server explains.
 Ftp::Outcome FailureOf(QNetworkReply::NetworkError error)
 {
@@ -148,7 +155,7 @@ void HttpDownload::Send(const HttpInquiry::Answer& answer)
     // The bytes are wanted as they are, not as something to be unpacked.
     request.setRawHeader("Accept-Encoding", "identity");
     Reply = Manager.get(request);
-    Reply->setReadBufferSize(BufferSize);
+    if (!IsEmulated(answer.Via, Url)) Reply->setReadBufferSize(BufferSize);
     connect(Reply, &QNetworkReply::encrypted, this, [this] {
         Tell(Connected);
         Clock.start();

@@ -103,8 +103,8 @@ bool ProxyServer::TakeSocks(QTcpSocket* socket, Client& client)
         return true;
     }
     if (client.Step == AtWords) {
-        const QByteArray known = '\1' + QByteArray(1, char(User.size())) + User + QByteArray(1, char(Password.size())) +
-                                 Password;
+        const QByteArray known =
+            '\1' + QByteArray(1, char(User.size())) + User + QByteArray(1, char(Password.size())) + Password;
         if (text.size() < known.size()) return false;
         client.Buffer.remove(0, known.size());
         client.Step = AtRequest;

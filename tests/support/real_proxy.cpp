@@ -30,7 +30,8 @@ bool Accepts(int port)
 
 RealProxy::RealProxy(Kind kind) : Which(kind), Port(FreePort())
 {
-    const QString program = Program(kind == Tinyproxy ? "tinyproxy/usr/bin/tinyproxy" : "microsocks/usr/bin/microsocks");
+    const QString program =
+        Program(kind == Tinyproxy ? "tinyproxy/usr/bin/tinyproxy" : "microsocks/usr/bin/microsocks");
     if (!Trouble.isEmpty()) return;
     QStringList arguments{"-i", "127.0.0.1", "-p", QString::number(Port), "-u", "user", "-P", "word"};
     if (kind == Tinyproxy) {
