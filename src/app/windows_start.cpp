@@ -25,6 +25,16 @@ bool IsDesktopDark()
     return chosen.value("AppsUseLightTheme", 1).toInt() == 0 && !IsHighContrast();
 }
 
+/// The dark colours that the toolkit gives to buttons are made for a style of the system's that this one is not.
+void GiveButtonsTheWindowsColours()
+{
+    constexpr int Lighter = 180;  // percent
+    QPalette colours = QApplication::palette();
+    colours.setColor(QPalette::Button, colours.color(QPalette::Window).lighter(Lighter));
+    for (const char* kind : {"QAbstractButton", "QPushButton", "QToolButton", "QCheckBox", "QRadioButton", "QComboBox"})
+        QApplication::setPalette(colours, kind);
+}
+
 }  // namespace
 
 void PrepareForWindows()
@@ -53,4 +63,8 @@ void WindowsStyle::Apply()
     if (dark == Dark) return;
     Dark = dark;
     QApplication::setStyle(dark ? ToolkitStyle : SystemStyle);
+    if (dark)
+        GiveButtonsTheWindowsColours();
+    else
+        QApplication::setPalette(QPalette());
 }
