@@ -1,6 +1,7 @@
 #include "app/windows_start.h"
 
 #include <QEvent>
+#include <QPalette>
 #include <QSettings>
 #include <windows.h>
 

@@ -1,8 +1,10 @@
+#include "base/byte_text.h"
 #include "support/real_program.h"
 #include "support/real_servers.h"
 
 #include <QDir>
 #include <QRandomGenerator>
+#include <filesystem>
 #include <memory>
 
 namespace {
