@@ -1,6 +1,7 @@
 #include "app/windows_start.h"
 
 #include <QEvent>
+#include <QPalette>
 #include <QSettings>
 #include <windows.h>
 
@@ -23,6 +24,16 @@ bool IsDesktopDark()
     const QSettings chosen("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
                            QSettings::NativeFormat);
     return chosen.value("AppsUseLightTheme", 1).toInt() == 0 && !IsHighContrast();
+}
+
+/// The dark colours that the toolkit gives to buttons are made for a style of the system's that this one is not.
+void GiveButtonsTheWindowsColours()
+{
+    constexpr int Lighter = 180;  // percent
+    QPalette colours = QApplication::palette();
+    colours.setColor(QPalette::Button, colours.color(QPalette::Window).lighter(Lighter));
+    for (const char* kind : {"QAbstractButton", "QPushButton", "QToolButton", "QCheckBox", "QRadioButton", "QComboBox"})
+        QApplication::setPalette(colours, kind);
 }
 
 }  // namespace
@@ -53,4 +64,8 @@ void WindowsStyle::Apply()
     if (dark == Dark) return;
     Dark = dark;
     QApplication::setStyle(dark ? ToolkitStyle : SystemStyle);
+    if (dark)
+        GiveButtonsTheWindowsColours();
+    else
+        QApplication::setPalette(QPalette());
 }

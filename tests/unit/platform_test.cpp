@@ -118,13 +118,14 @@ void PlatformTest::TheShortNameOfAFileStartsAtTheCurrentFolder()
     ChangeCurrentFolder(Folder->path());
 #ifdef Q_OS_WIN
     const QString name = "a long name.menu.txt";
-    const QString wanted = "^[A-Z0-9_]{1,6}~[0-9A-Z]{1,4}\\.TXT$";  // the shape, since the system may choose any
+    const QRegularExpression wanted("^[A-Z0-9_]{1,6}~[0-9A-Z]{1,4}\\.TXT$");  // the system may choose any such name
+    std::ofstream(FilePath(name)) << "tea";
+    QVERIFY2(wanted.match(ShortName(name)).hasMatch(), qPrintable(ShortName(name)));
 #else
     const QString name = BytesToText("caf\xE9 menu.txt");
-    const QString wanted = QRegularExpression::anchoredPattern(QRegularExpression::escape(name));
-#endif
     std::ofstream(FilePath(name)) << "tea";
-    QVERIFY2(QRegularExpression(wanted).match(ShortName(name)).hasMatch(), qPrintable(ShortName(name)));
+    QCOMPARE(ShortName(name), name);
+#endif
 }
 
 #ifndef Q_OS_WIN
