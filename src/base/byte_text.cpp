@@ -2,6 +2,7 @@
 
 #include "base/local_name.h"
 
+#include <QStringDecoder>
 #include <QStringList>
 
 namespace {
@@ -45,6 +46,14 @@ bool TurnsDirection(char16_t unit)
            unit == 0x200F || unit == 0x061C;
 }
 
+// A byte order mark is a character like any other: it stays.
+QString FromUtf8(const char* bytes, qsizetype size)
+{
+    using Flag = QStringConverter::Flag;
+    QStringDecoder decoder(QStringConverter::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
+    return decoder.decode(QByteArrayView(bytes, size));
+}
+
 }  // namespace
 
 QString BytesToText(const QByteArray& bytes)
@@ -58,11 +67,11 @@ QString BytesToText(const QByteArray& bytes)
             at += length;
             continue;
         }
-        text += QString::fromUtf8(bytes.constData() + good, at - good);
+        text += FromUtf8(bytes.constData() + good, at - good);
         text += QChar(static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(bytes[at])));
         good = ++at;
     }
-    text += QString::fromUtf8(bytes.constData() + good, at - good);
+    text += FromUtf8(bytes.constData() + good, at - good);
     return text;
 }
 

@@ -32,6 +32,11 @@ void ByteTextTest::EveryByteStringComesBack_data()
     QTest::newRow("above the last code point") << QByteArray("\xF4\x90\x80\x80");
     QTest::newRow("escape after a pair") << QByteArray("\xF0\x9F\x93\x81\x81");
     QTest::newRow("NUL inside") << QByteArray("a\0b", 3);
+    QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBFname");
+    QTest::newRow("two marks") << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF");
+    QTest::newRow("mark behind another byte") << QByteArray("\xBB\xEF\xBB\xBF;");
+    QTest::newRow("mark between lines") << QByteArray("a\r\n\xEF\xBB\xBF"
+                                                      "b\r\n");
     QByteArray all;
     for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
     QTest::newRow("all bytes") << all;
