@@ -40,6 +40,7 @@ Batch::Batch(TransferTools& tools)
 Batch::~Batch()
 {
     --Tools.State.BatchesRunning;
+    Tools.Inet1.SetMoreToCome(false);
 }
 
 bool Batch::SessionEnded() const
@@ -68,6 +69,7 @@ bool Batch::Issue(int operationKind, bool& inProgress, const QString& word, cons
     const QString quoted = Quoted(name);
     Tools.State.CurrentFileName = quoted;
     inProgress = true;
+    Tools.Inet1.SetMoreToCome(++Issued < OwnNames.size());
     if (Tools.Errors.Attempt([&] { Tools.Session.Execute(operationKind, word + u' ' + quoted + u' ' + quoted); }))
         return true;
     inProgress = false;

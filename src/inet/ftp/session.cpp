@@ -1,6 +1,7 @@
 #include "inet/ftp/session.h"
 
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/race.h"
 
 #include <exception>
 #include <utility>
@@ -10,6 +11,7 @@ namespace Ftp {
 namespace {
 
 constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
+constexpr int LoggedIn = 230;        // the same
 constexpr int ServiceClosing = 421;  // the same
 constexpr int NotLoggedIn = 530;     // the same
 
@@ -156,15 +158,23 @@ Task<> Session::GetInStep()
     Why.Reset();
 }
 
+// A refusal is meant as it is said; only 421 may mean the lines behind the first.
+bool Session::IsFaultOfAhead(const Failure& failure) const
+{
+    if (!Control || OneAtATime || Why.IsCancelled()) return false;
+    if (failure.Kind == Failure::Refused) return failure.Code == ServiceClosing && Control->AnsweredAhead() > 1;
+    const bool local = failure.Kind == Failure::Request || failure.Kind == Failure::LocalFile;
+    return Control->MayBlameAhead() && !local;
+}
+
 // A server that cannot cope with lines sent ahead gets them one at a time, on a new connection.
 Task<std::string> Session::Run(Operation operation)
 {
     try {
         Operation copy = operation;
         co_return co_await RunOnce(std::move(copy));
-    } catch (const Failure&) {
-        const bool blamed = Control && Control->MayBlameAhead() && !OneAtATime && !Why.IsCancelled();
-        if (!blamed) throw;
+    } catch (const Failure& failure) {
+        if (!IsFaultOfAhead(failure)) throw;
     }
     OneAtATime = true;
     Why.ForgiveTimeOut();
@@ -246,33 +256,12 @@ Task<> Session::Connect(std::vector<std::string> ahead)
     }
     Tell.State(HostResolved);
     Tell.State(Connecting);
-    std::shared_ptr<Wire> wire = co_await Reach(std::move(endpoints));
+    std::shared_ptr<Wire> wire = co_await ConnectToFirst(Net, Why, Time, How.Limit, std::move(endpoints));
     Tell.State(Connected);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
     co_await LogIn(std::move(ahead));
     co_await EnterFolders();
     Ready = true;
-}
-
-// One address after the other; each has its share of the time that is left for all of them.
-Task<std::shared_ptr<Wire>> Session::Reach(std::vector<Endpoint> endpoints)
-{
-    const Milliseconds end = Time.Now() + How.Limit;
-    Failure failure{Failure::Connection, NameError, "The name of the server has no address."};
-    for (std::size_t number = 0; number < endpoints.size(); ++number) {
-        const std::shared_ptr<Wire> wire = Net.NewWire();
-        const Milliseconds share = (end - Time.Now()) / static_cast<int>(endpoints.size() - number);
-        Guard guard(Why, Time, *wire, share);
-        try {
-            co_await wire->Connect(endpoints[number]);
-            co_return wire;
-        } catch (const Failure& thrown) {
-            failure = Why.Explain(thrown);
-        }
-        if (Why.IsCancelled()) break;
-        guard.Forgive();
-    }
-    throw Failure(failure);
 }
 
 Task<> Session::LogIn(std::vector<std::string> ahead)
@@ -319,16 +308,11 @@ Task<> Session::SetType(char type)
     Type = type;
 }
 
-/// The lines that Perform is going to say before an operation's data connection, in order.
+/// What is going to be said first for an operation that begins a session, as far as that is sure.
 std::vector<std::string> Session::LinesBefore(const Operation& operation) const
 {
     if (std::holds_alternative<ListFull>(operation)) return LinesBefore('A', {}, "LIST");
     if (std::holds_alternative<ListNames>(operation)) return LinesBefore('A', {}, "NLST");
-    if (const auto* send = std::get_if<Ftp::Send>(&operation)) return LinesBefore('I', {}, "STOR " + send->Remote);
-    if (const auto* receive = std::get_if<Receive>(&operation)) {
-        const std::string name = FirstChoice(receive->Remote);
-        return LinesBefore('I', name, "RETR " + name);
-    }
     return {};
 }
 
@@ -373,7 +357,9 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
     Failure failure{};
     if (Can.ExtendedPassive) {
         try {
-            const Reply reply = co_await Control->Expect("EPSV");
+            const bool ahead = Control->IsAhead();
+            Reply reply = co_await Control->Expect("EPSV");
+            if (ahead && reply.Code == LoggedIn) reply = co_await Control->HearInstead();
             const std::optional<int> port = ExtendedPort(reply);
             if (!port) throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data."};
             co_return co_await TryPort(*port, canFallBack ? How.Limit / 2 : How.Limit);

@@ -96,7 +96,6 @@ private:
 
     // Connecting
     Task<> Connect(std::vector<std::string> ahead);
-    Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
     Task<> LogIn(std::vector<std::string> ahead);
     Task<> EnterFolders();
     Task<> HangUp();
@@ -136,6 +135,7 @@ private:
     Task<std::string> RunFetch(std::string path);
     Task<Outcome> Guarded(Task<std::string> work);
     Task<> GetInStep();
+    bool IsFaultOfAhead(const Failure& failure) const;
     bool LeavesSessionAsItWas(const Failure& failure) const;
     Task<std::string> List(std::string command);
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;

@@ -85,7 +85,7 @@ Task<> Transfer::WaitForConsent()
 // It agrees as well by sending, so there is no need to wait for its word before the data.
 Task<Reply> Transfer::Receive(Sink& sink)
 {
-    if (Refused) co_return Final;
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Drain(sink);
     co_return co_await Finish(std::move(moving));
 }
@@ -93,7 +93,7 @@ Task<Reply> Transfer::Receive(Sink& sink)
 Task<Reply> Transfer::Send(ReadFile& file, const std::filesystem::path& path, bool eager)
 {
     if (!eager) co_await WaitForConsent();
-    if (Refused) co_return Final;
+    if (Refused) co_return co_await HearEnd();
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
 }
@@ -118,6 +118,7 @@ Task<Reply> Transfer::Finish(Task<> moving)
 Task<Reply> Transfer::HearEnd()
 {
     while (Final.Code == 0) (void)co_await Control.Hear();
+    Control.ForgetReplies();
     co_return Final;
 }
 

@@ -123,7 +123,7 @@ PumpResult SocketToFile::MoveFirst()
     Buffer.resize(FirstBytes);
     std::size_t moved = 0;
     while (!IsLong) {
-        const ssize_t count = Persist([&] { return ::recv(Socket, Buffer.data(), Buffer.size(), 0); });
+        const ssize_t count = Persist([&] { return ::read(Socket, Buffer.data(), Buffer.size()); });
         if (count < 0) return ReadFailure(moved, errno);
         if (count == 0) return {PumpEnd::End, moved, 0};
         const auto bytes = static_cast<std::size_t>(count);
@@ -147,7 +147,7 @@ PumpResult SocketToFile::MoveByBuffer()
     Buffer.resize(ReceiveBufferBytes);
     std::size_t moved = 0;
     while (moved < MaxBytesPerMove) {
-        const ssize_t count = Persist([&] { return ::recv(Socket, Buffer.data(), Buffer.size(), 0); });
+        const ssize_t count = Persist([&] { return ::read(Socket, Buffer.data(), Buffer.size()); });
         if (count < 0) return ReadFailure(moved, errno);
         if (count == 0) return {PumpEnd::End, moved, 0};
         const int error = WriteAll(File, Buffer.data(), static_cast<std::size_t>(count), moved);
