@@ -42,6 +42,7 @@
 #include "sites/clipboard_watch.h"
 #include "sites/site_book.h"
 #include "transfer/name_options.h"
+#include "transfer/progress_view.h"
 #include "transfer/receiver.h"
 #include "transfer/sender.h"
 #include "ui_main_window.h"
@@ -164,6 +165,7 @@ struct MainWindow::Parts {
     TransferTools Transfers;
     Receiver Incoming;
     Sender Outgoing;
+    ProgressView Progress;
     PictureViewer Viewer;
     LocalOperations Files;
     StateChanges Changes;
@@ -240,7 +242,7 @@ MainWindow::Parts::Parts(MainWindow& window, ProgramValues& values, SettingsStor
       Incoming({*Form.lstRemoteFiles, *Form.List1, *Form.Check1}, Transfers, *Inet2,
                {[this] { Local.RefreshList(); }, [this] { Space.RefreshDiskSpace(); }}),
       Outgoing({*Form.lstRemoteFiles, *Form.List1, *Form.Check1}, Transfers, Around.Beep),
-      Viewer(window, values.ViewerOpen),
+      Progress(*Inet1, *Form.TransferProgress), Viewer(window, values.ViewerOpen),
       Files(*Form.List1, {Status, Log, Pause, Questions, Prompt, values.InputText, Viewer, values.ViewerOpen,
                           values.Errors, [this] { Local.RefreshList(); }, Around.OpenTextEditor, Around.Beep}),
       Changes(*Form.Check1, {*Inet1, values.Transfer, Status, Log, Pointer, Pause, values.Errors, Above, Around.Beep}),

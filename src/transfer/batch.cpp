@@ -47,6 +47,7 @@ Batch::Batch(TransferTools& tools)
 Batch::~Batch()
 {
     --Tools.State.BatchesRunning;
+    Tools.Inet1.SetMoreToCome(false);
 }
 
 bool Batch::SessionEnded() const
@@ -74,6 +75,7 @@ bool Batch::Issue(int operationKind, bool& inProgress, const QString& operation,
 {
     Tools.State.CurrentFileName = Quoted(name);
     inProgress = true;
+    Tools.Inet1.SetMoreToCome(++Issued < OwnNames.size());
     if (Tools.Errors.Attempt([&] { Tools.Session.Execute(operationKind, operation); })) return true;
     inProgress = false;
     Tools.Status.Show(Tools.Errors.Description());

@@ -22,7 +22,7 @@ struct TransferState;
 
 /// What receiving and sending work with. Everything referred to outlives them.
 struct TransferTools {
-    const Inet& Inet1;  ///< the main session
+    Inet& Inet1;  ///< the main session
     Commands& Session;
     TransferState& State;
     Waits& Pause;
@@ -67,6 +67,7 @@ private:
     TransferTools& Tools;
     QStringList OwnNames;
     int SessionNumber;
+    qsizetype Issued = 0;
 };
 
 /// Takes the selected entries of a list, in order, as the names of the next run; entries already in TransferNames

@@ -32,6 +32,8 @@ private slots:
     void APasswordInAReplyIsNotShown();
     void TheNextAddressIsTried();
     void AllAddressesTogetherHaveOneTimeOut();
+    void ASilentAddressCostsAQuarterOfASecond();
+    void BothKindsOfAddressesAreTriedInTurn();
     void AnUnknownHostIsAnError();
     void ALookUpWithoutAnAnswerTimesOut();
 
@@ -348,6 +350,34 @@ void ServerRepliesTest::AllAddressesTogetherHaveOneTimeOut()
     QCOMPARE(talk.States, (std::vector<int>{1, 2, 3}));
 }
 
+void ServerRepliesTest::ASilentAddressCostsAQuarterOfASecond()
+{
+    Conversation talk(LogIn + "C: CDUP\nS: 250 up");
+    const auto dead = asio::ip::make_address("2001:db8::1");
+    talk.Server.SetHost({dead, asio::ip::make_address("127.0.0.1")});
+    talk.Server.SetDead(dead, MemoryServer::Answer::Silent);
+    QVERIFY_GOOD(talk.Do("CDUP"));
+    QCOMPARE(talk.LastDuration.count(), 250);
+    QCOMPARE(talk.Server.OpenLinks(), 1U);
+    QVERIFY_FOLLOWED(talk);
+}
+
+void ServerRepliesTest::BothKindsOfAddressesAreTriedInTurn()
+{
+    // Four dead addresses of one kind come before the good one of the other kind, which is tried second.
+    Conversation talk(LogIn + "C: CDUP\nS: 250 up");
+    std::vector<asio::ip::address> host;
+    for (const char* one : {"2001:db8::1", "2001:db8::2", "2001:db8::3", "2001:db8::4"}) {
+        host.push_back(asio::ip::make_address(one));
+        talk.Server.SetDead(host.back(), MemoryServer::Answer::Silent);
+    }
+    host.push_back(asio::ip::make_address("127.0.0.1"));
+    talk.Server.SetHost(host);
+    QVERIFY_GOOD(talk.Do("CDUP"));
+    QCOMPARE(talk.LastDuration.count(), 250);
+    QVERIFY_FOLLOWED(talk);
+}
+
 void ServerRepliesTest::AnUnknownHostIsAnError()
 {
     Conversation talk;
@@ -428,7 +458,7 @@ void ServerRepliesTest::QuitIsNotWaitedForLong()
 
 void ServerRepliesTest::TypesThatAreRefusedAreAnError()
 {
-    Conversation talk(LogIn + "C: TYPE I\nS: 504 letters only\nC: PWD\nS: 257 \"/\"");
+    Conversation talk(LogIn + "C: TYPE I\nS: 504 letters only\nC: EPSV\nS: 229 (|||4001|)\nC: PWD\nS: 257 \"/\"");
     QCOMPARE_FAILED(talk.Do("GET x"), 504);
     QVERIFY(talk.LocalFiles().isEmpty());
     QVERIFY_GOOD(talk.Do("PWD"));

@@ -22,7 +22,8 @@ public:
     {
         Link->Address = endpoint;
         const MemoryServer::Answer answer = Server.Accept(Link);
-        while (answer == MemoryServer::Answer::Silent && !Link->ClientGone) co_await Link->Changed.Wait();
+        const bool silent = answer == MemoryServer::Answer::Silent;
+        while ((silent || Link->Pending) && !Link->ClientGone) co_await Link->Changed.Wait();
         ThrowIfGone();
         if (answer == MemoryServer::Answer::Refused)
             throw Lost(Ftp::ConnectError, "The server could not be reached (refused).");

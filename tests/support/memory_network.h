@@ -19,6 +19,7 @@ struct MemoryLink {
     std::string ToServer;            ///< sent by the client
     std::size_t Slice = SIZE_MAX;    ///< the most one read gives the client
     std::size_t Window = SIZE_MAX;   ///< what the client may have written before its writing has to wait
+    bool Pending = false;            ///< the connection is still being made
     bool ServerEnded = false;        ///< the server sends no more (FIN)
     bool ClientEnded = false;        ///< the client sends no more (FIN)
     bool Broken = false;             ///< reset by the server

@@ -94,20 +94,51 @@ MemoryServer::Answer ScriptedServer::Accept(std::shared_ptr<MemoryLink> link)
     if (SilentPorts.contains(port)) return Answer::Silent;
     if (Deaf && Trouble.Kind == Disturbance::FallSilent) return Answer::Silent;
     if (Deaf || (port != Port && !Listening.contains(port))) return Answer::Refused;
-    link->Notified = [this, alive = std::weak_ptr(Alive)] {
-        if (!alive.expired()) Schedule();
+    link->Notified = [this, alive = std::weak_ptr(Alive), watched = std::weak_ptr(link)] {
+        if (alive.expired()) return;
+        if (const Link known = watched.lock()) Hear(known);
     };
     All.push_back(link);
-    if (port == Port) {
+    if (port == Port)
         link->Slice = Slice;
+    else
+        Listening.erase(port);
+    link->Pending = Latency.count() > 0;
+    Later(2, [link] {
+        link->Pending = false;
+        link->Wake();
+    });
+    Later(3, [this, link] { Take(link); });
+    return Answer::Accepted;
+}
+
+void ScriptedServer::Take(Link link)
+{
+    if (link->Address.port() == Port) {
         Callers.push_back(std::move(link));
     } else {
-        Listening.erase(port);
         Peers.push_back(link->Address);
         Data = std::move(link);
     }
     Schedule();
-    return Answer::Accepted;
+}
+
+/// Does something after so many times the latency; at once where there is none.
+void ScriptedServer::Later(int steps, std::function<void()> what)
+{
+    if (Latency.count() == 0)
+        what();
+    else
+        OnTheWay.push_back(Time.After(Latency * steps, std::move(what)));
+}
+
+void ScriptedServer::Hear(const Link& link)
+{
+    Later(1, [this, link = link.get(), port = link->Address.port(), sum = Taken[link.get()] + link->ToServer.size()] {
+        if (port == Port && sum > Arrived[link]) ++Heard;
+        Arrived[link] = std::max(Arrived[link], sum);
+        Schedule();
+    });
 }
 
 std::vector<asio::ip::address> ScriptedServer::Find(const std::string& host, bool& silent)
@@ -194,7 +225,7 @@ bool ScriptedServer::TryConnectionDirective(const std::string& text)
         return true;
     }
     if (text == "data gone") return Data && Data->ClientGone;
-    if (text == "accept") return Data != nullptr && !Data->ServerEnded && !Data->ClientGone;
+    if (text == "accept") return Data && !Data->ServerEnded && (Data->ClientEnded || !Data->ClientGone);
     if (text == "end")
         EndLink(Data);
     else if (text == "break data")
@@ -238,10 +269,12 @@ bool ScriptedServer::Command(const std::string& wanted)
 {
     const std::size_t end = Control->ToServer.find("\r\n");
     if (end == std::string::npos) return false;
+    if (Taken[Control.get()] + end + 2 > Arrived[Control.get()]) return false;
     const std::string got = Control->ToServer.substr(0, end);
     Control->ToServer.erase(0, end + 2);
+    Taken[Control.get()] += end + 2;
     if (wanted == "*" || got == wanted) return true;
-    if (got.starts_with("SIZE ")) {
+    if (!Strict && got.starts_with("SIZE ")) {
         SendControl("550 I know no sizes\r\n");
         return Command(wanted);
     }
@@ -271,14 +304,18 @@ bool ScriptedServer::Upload(const std::string& wanted)
 
 void ScriptedServer::SendControl(const std::string& bytes)
 {
-    Control->ToClient += bytes;
-    Control->Wake();
+    Later(1, [link = Control, bytes] {
+        link->ToClient += bytes;
+        link->Wake();
+    });
 }
 
 void ScriptedServer::SendData(const std::string& bytes)
 {
-    Data->ToClient += bytes;
-    Data->Wake();
+    Later(1, [link = Data, bytes] {
+        link->ToClient += bytes;
+        link->Wake();
+    });
 }
 
 void ScriptedServer::Fail(const std::string& what)
@@ -291,8 +328,10 @@ void ScriptedServer::Fail(const std::string& what)
 void ScriptedServer::EndLink(const Link& link)
 {
     if (!link) return;
-    link->ServerEnded = true;
-    link->Wake();
+    Later(1, [link] {
+        link->ServerEnded = true;
+        link->Wake();
+    });
 }
 
 void ScriptedServer::BreakLink(const Link& link)

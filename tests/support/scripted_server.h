@@ -4,6 +4,7 @@
 #include "support/memory_network.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -40,8 +41,9 @@ struct Disturbance {
 ///     -- silence            it does nothing any more
 ///
 /// \r \n \t \0 \\ and \xHH stand for bytes. A question for a size that the script does not wait for is answered with
-/// "I know no sizes", so that a client may ask where it likes. A control connection is accepted where the script needs
-/// one. What the client sends against the script makes the server hang up; Complaint tells where.
+/// "I know no sizes", so that a client may ask where it likes; SetStrict ends that. A control connection is accepted
+/// where the script needs one. What the client sends against the script makes the server hang up; Complaint tells
+/// where.
 class ScriptedServer final : public MemoryServer {
 public:
     static constexpr int Port = 21;
@@ -73,6 +75,15 @@ public:
     /// An address at which nobody answers at all.
     void SetDead(const asio::ip::address& address, Answer answer) { Dead.emplace_back(address, answer); }
 
+    /// A SIZE against the script is as wrong as any other command.
+    void SetStrict(bool on) { Strict = on; }
+
+    /// Everything takes so long from one side to the other, the three steps of a connection included.
+    void SetLatency(Ftp::Milliseconds latency) { Latency = latency; }
+
+    /// So often the client has sent commands, however many at a time.
+    int TimesHeard() const { return Heard; }
+
     /// Where the data connections went.
     const std::vector<Ftp::Endpoint>& DataPeers() const { return Peers; }
 
@@ -96,6 +107,9 @@ private:
     using Link = std::shared_ptr<MemoryLink>;
 
     void Schedule();
+    void Later(int steps, std::function<void()> what);
+    void Take(Link link);
+    void Hear(const Link& link);
     void Proceed();
     bool Try(const Step& step);
     bool TryDirective(const std::string& text);
@@ -108,7 +122,7 @@ private:
     void Disturb();
     void Fail(const std::string& what);
     static void BreakLink(const Link& link);
-    static void EndLink(const Link& link);
+    void EndLink(const Link& link);
     void EndAll(bool reset);
 
     asio::any_io_executor Where;
@@ -134,5 +148,11 @@ private:
     std::vector<std::pair<asio::ip::address, Answer>> Dead;
     std::size_t Slice = SIZE_MAX;
     bool LookupSilent = false;
+    bool Strict = false;
+    Ftp::Milliseconds Latency{0};
+    std::vector<std::unique_ptr<Ftp::Clock::Alarm>> OnTheWay;
+    std::map<const MemoryLink*, std::size_t> Arrived;  ///< bytes that the client has sent
+    std::map<const MemoryLink*, std::size_t> Taken;    ///< of them, bytes in commands that were read
+    int Heard = 0;
     std::shared_ptr<int> Alive = std::make_shared<int>(0);
 };

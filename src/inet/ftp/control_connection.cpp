@@ -96,6 +96,7 @@ Task<> ControlConnection::Begin(std::string line)
     }
     if (!IsAlive()) ThrowWhyEnded();
     DropUnasked();
+    Answered = 0;
     line += "\r\n";
     co_await Write(std::move(line));
     if (Sent) Sent();
@@ -115,6 +116,12 @@ Task<> ControlConnection::SendAhead(std::vector<std::string> lines)
     std::move(lines.begin(), lines.end(), std::back_inserter(Ahead));
     Owed = Ahead.size();
     Answered = 0;
+}
+
+Task<Reply> ControlConnection::HearInstead()
+{
+    Odd = true;
+    co_return co_await HearFinal();
 }
 
 void ControlConnection::DropUnasked()

@@ -42,8 +42,14 @@ public:
     /// Lines were sent ahead, and are not all answered or given up.
     bool IsAhead() const { return Owed > 0; }
 
-    /// The same, and the first of them was answered: whatever went wrong since may be the fault of sending ahead.
+    /// The same, and the first of them was answered: that the others were not may be the fault of sending ahead.
     bool MayBlameAhead() const { return Owed > 0 && Answered > 0; }
+
+    /// As many of them were answered.
+    std::size_t AnsweredAhead() const { return Answered; }
+
+    /// The reply just heard was one that nobody asked for: the one that was asked for is the next.
+    Task<Reply> HearInstead();
 
     /// Waits for what is owed to lines sent ahead that nobody will ask for.
     Task<> GiveUpAhead();

@@ -1,6 +1,7 @@
 #include "inet/ftp/session.h"
 
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace Ftp {
 namespace {
 
 constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
+constexpr int LoggedIn = 230;        // the same
 constexpr int ServiceClosing = 421;  // the same
 constexpr int NotLoggedIn = 530;     // the same
 
@@ -148,6 +150,15 @@ Task<> Session::GetInStep()
     Why.Reset();
 }
 
+// A refusal is meant as it is said; only 421 may mean the lines behind the first.
+bool Session::IsFaultOfAhead(const Failure& failure) const
+{
+    if (!Control || OneAtATime || Why.IsCancelled()) return false;
+    if (failure.Kind == Failure::Refused) return failure.Code == ServiceClosing && Control->AnsweredAhead() > 1;
+    const bool local = failure.Kind == Failure::Request || failure.Kind == Failure::LocalFile;
+    return Control->MayBlameAhead() && !local;
+}
+
 // A server may close an idle connection just as the next command is on its way to it: that command is given once more,
 // on a new connection, where nobody can have carried it out already. And a server that cannot cope with lines sent
 // ahead gets them one at a time, on a new connection as well.
@@ -160,7 +171,7 @@ Task<std::string> Session::Run(Operation operation)
         co_return co_await RunOnce(std::move(copy));
     } catch (const Failure& failure) {
         const bool closed = Reused && MayTryAnew(failure, operation);
-        const bool blamed = Control && Control->MayBlameAhead() && !OneAtATime && !Why.IsCancelled();
+        const bool blamed = IsFaultOfAhead(failure);
         if (!closed && !blamed) throw;
         if (!closed) OneAtATime = true;
     }
@@ -278,11 +289,11 @@ Task<> Session::Connect(std::vector<std::string> ahead)
     }
     Tell.State(HostResolved);
     Tell.State(Connecting);
-    std::shared_ptr<Wire> wire = co_await Reach(endpoints);
+    std::shared_ptr<Wire> wire = co_await ConnectToFirst(Net, Why, Time, How.Limit, endpoints);
     Tell.State(Connected);
     bool loggedIn = co_await TryLogIn(std::move(wire), ahead);
     while (!loggedIn) {
-        wire = co_await Reach(endpoints);
+        wire = co_await ConnectToFirst(Net, Why, Time, How.Limit, endpoints);
         loggedIn = co_await TryLogIn(std::move(wire), ahead);
     }
     co_await EnterFolders();
@@ -306,27 +317,6 @@ Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string
         co_return false;
     }
     co_return true;
-}
-
-// One address after the other; each has its share of the time that is left for all of them.
-Task<std::shared_ptr<Wire>> Session::Reach(std::vector<Endpoint> endpoints)
-{
-    const Milliseconds end = Time.Now() + How.Limit;
-    Failure failure{Failure::Connection, NameError, "The name of the server has no address."};
-    for (std::size_t number = 0; number < endpoints.size(); ++number) {
-        const std::shared_ptr<Wire> wire = Net.NewWire();
-        const Milliseconds share = (end - Time.Now()) / static_cast<int>(endpoints.size() - number);
-        Guard guard(Why, Time, *wire, share);
-        try {
-            co_await wire->Connect(endpoints[number]);
-            co_return wire;
-        } catch (const Failure& thrown) {
-            failure = Why.Explain(thrown);
-        }
-        if (Why.IsCancelled()) break;
-        guard.Forgive();
-    }
-    throw Failure(failure);
 }
 
 Task<> Session::LogIn(std::vector<std::string> ahead)
@@ -380,16 +370,11 @@ Task<> Session::SetType(char type)
     Type = type;
 }
 
-/// The lines that Perform is going to say before an operation's data connection, in order.
+/// What is going to be said first for an operation that begins a session, as far as that is sure.
 std::vector<std::string> Session::LinesBefore(const Operation& operation) const
 {
     if (std::holds_alternative<ListFull>(operation)) return LinesBefore('A', {}, "LIST");
     if (std::holds_alternative<ListNames>(operation)) return LinesBefore('A', {}, "NLST");
-    if (const auto* send = std::get_if<Ftp::Send>(&operation)) return LinesBefore('I', {}, "STOR " + send->Remote);
-    if (const auto* receive = std::get_if<Receive>(&operation)) {
-        const std::string name = FirstChoice(receive->Remote);
-        return LinesBefore('I', name, "RETR " + name);
-    }
     return {};
 }
 
@@ -440,7 +425,9 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
     Failure failure{};
     if (Can.ExtendedPassive) {
         try {
-            const Reply reply = co_await Control->Expect("EPSV");
+            const bool ahead = Control->IsAhead();
+            Reply reply = co_await Control->Expect("EPSV");
+            if (ahead && reply.Code == LoggedIn) reply = co_await Control->HearInstead();
             const std::optional<int> port = ExtendedPort(reply);
             if (!port) throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data."};
             co_return co_await TryPort(*port, canFallBack ? How.Limit / 2 : How.Limit);

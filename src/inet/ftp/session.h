@@ -110,7 +110,6 @@ private:
     Task<> Connect(std::vector<std::string> ahead);
     Task<bool> IsStillThere();
     bool MayTryAnew(const Failure& failure, const Operation& operation) const;
-    Task<std::shared_ptr<Wire>> Reach(std::vector<Endpoint> endpoints);
     Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead);
     Task<> LogIn(std::vector<std::string> ahead);
     Task<> EnterFolders();
@@ -157,6 +156,7 @@ private:
     Task<std::string> RunFetch(std::string path, std::filesystem::path file);
     Task<Outcome> Guarded(Task<std::string> work);
     Task<> GetInStep();
+    bool IsFaultOfAhead(const Failure& failure) const;
     bool LeavesSessionAsItWas(const Failure& failure) const;
     Task<std::string> List(std::string command);
     std::unique_ptr<Sink> SinkFor(const Receive& operation, const std::string& name) const;

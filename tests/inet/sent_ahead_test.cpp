@@ -1,0 +1,225 @@
+#include "support/conversation.h"
+#include "support/outcome_checks.h"
+
+#include <QtTest>
+
+/// Lines are sent before the ones ahead of them are answered, where the server keeps up, and one at a time where it
+/// does not. How long that takes is counted in round trips, on a clock that only the latency of the wire moves.
+class SentAheadTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void AnAnonymousListingTakesSixRoundTrips();
+    void AFurtherFileTakesThreeRoundTrips();
+    void AFileWhosePortIsThereTakesTwoRoundTrips();
+    void OneAtATimeTheSameTakesLonger();
+    void TheWayIntoTheFolderCostsNothingMore();
+    void ARefusedPortIsAskedForTheOldWay();
+    void ARefusedPortInMidSessionIsRecovered();
+    void ARefusedFileKeepsTheSessionInStep();
+    void ADuplicatedReplyEndsSendingAhead();
+    void AServerThatThrowsLinesAwayGetsThemOneAtATime();
+    void AServerThatLeavesOverThemGetsThemOneAtATime();
+    void ThePortAskedForInAdvanceIsUsed();
+    void APortNobodyNeedsDoesNoHarm();
+    void ASessionThatEndedWithThePortAskedForBeginsAnew();
+    void NothingIsSentAheadToAServerThatRefusesTheLogIn();
+};
+
+namespace {
+
+constexpr Ftp::Milliseconds Latency{50};
+constexpr Ftp::Milliseconds RoundTrip = 2 * Latency;
+
+std::string Passive(int port)
+{
+    const std::string number = std::to_string(port);
+    return "C: EPSV\nS: 229 (|||" + number + "|)\n-- listen " + number + "\n";
+}
+
+std::string Data(const std::string& command)
+{
+    return "C: " + command + "\n-- accept\nS: 150 coming\nD: bytes\n-- end\nS: 226 done\n";
+}
+
+const std::string Sized = "C: SIZE kept\nS: 213 5\n";
+const std::string Get = Sized + Data("RETR kept");
+const std::string First = LogIn + "C: TYPE I\nS: 200\n" + Passive(4001) + Get;
+
+struct StrictConversation : Conversation {
+    explicit StrictConversation(const std::string& script) : Conversation(script) { Server.SetStrict(true); }
+};
+
+}  // namespace
+
+void SentAheadTest::AnAnonymousListingTakesSixRoundTrips()
+{
+    StrictConversation talk("S: 220 ready\nC: USER anonymous\nS: 331 who?\nC: PASS anonymous@example.com\nS: 230 in\n" +
+                            Passive(4001) + Data("LIST"));
+    talk.Where.User.clear();
+    talk.Where.Password.clear();
+    talk.Server.SetLatency(Latency);
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QCOMPARE(talk.LastDuration.count(), (6 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::AFurtherFileTakesThreeRoundTrips()
+{
+    StrictConversation talk(First + Passive(4002) + Get);
+    talk.Server.SetLatency(Latency);
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    // One for the port; a connection and what comes over it take two, whoever speaks first.
+    QCOMPARE(talk.LastDuration.count(), (3 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::AFileWhosePortIsThereTakesTwoRoundTrips()
+{
+    StrictConversation talk(First + Passive(4002) + Get);
+    talk.Server.SetLatency(Latency);
+    talk.How.MoreToCome = true;
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    talk.How.MoreToCome = false;
+    bool passed = false;
+    const auto alarm = talk.Clock.After(RoundTrip, [&passed] { passed = true; });
+    while (!passed && talk.Clock.JumpToNextAlarm()) talk.Settle();
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.LastDuration.count(), (2 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::OneAtATimeTheSameTakesLonger()
+{
+    // Two answers to the first line: from then on each line waits for the answer to the one before.
+    StrictConversation talk(LogIn +
+                            "C: PWD\nS+ 257 \"/\"\\r\\n257 \"/\"\\r\\n\nC: PWD\nS: 257 \"/\"\nC: TYPE I\nS: 200\n" +
+                            Passive(4001) + Get);
+    talk.Server.SetLatency(Latency);
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.LastDuration.count(), (5 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::TheWayIntoTheFolderCostsNothingMore()
+{
+    StrictConversation talk(LogIn + "C: CWD pub\nS: 250 there\n" + Passive(4001) + Data("LIST"));
+    talk.Where.Path = "pub";
+    talk.Server.SetLatency(Latency);
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QCOMPARE(talk.LastDuration.count(), (6 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ARefusedPortIsAskedForTheOldWay()
+{
+    StrictConversation talk(LogIn + "C: EPSV\nS: 502 what?\nC: PASV\nS: 227 (127,0,0,1,15,161)\n-- listen 4001\n" +
+                            Data("LIST") + "C: PASV\nS: 227 (127,0,0,1,15,162)\n-- listen 4002\n" + Data("LIST"));
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ARefusedPortInMidSessionIsRecovered()
+{
+    StrictConversation talk(First +
+                            "C: EPSV\nS: 500 not now\nC: SIZE kept\nS: 213 5\nC: RETR kept\nS: 425 no port\n"
+                            "C: PASV\nS: 227 (127,0,0,1,15,162)\n-- listen 4002\n" +
+                            Get + "C: PASV\nS: 227 (127,0,0,1,15,163)\n-- listen 4003\n" + Get);
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    const int heard = talk.Server.TimesHeard();
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.Server.TimesHeard() - heard, 3);
+    QCOMPARE(talk.LocalFile("kept"), QByteArray("bytes"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ARefusedFileKeepsTheSessionInStep()
+{
+    StrictConversation talk(First + Passive(4002) +
+                            "C: SIZE none\nS: 550 no such file\nC: RETR none\nS: 550 nothing\n"
+                            "C: PWD\nS: 257 \"/\"");
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE_FAILED(talk.Do("GET none"), 550);
+    QCOMPARE(talk.LocalFiles(), QStringList{"kept"});
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ADuplicatedReplyEndsSendingAhead()
+{
+    StrictConversation talk(LogIn + "S: 230 and again\n" + Passive(4001) + Data("LIST"));
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::AServerThatThrowsLinesAwayGetsThemOneAtATime()
+{
+    // It reads the password, and nothing that came in the same packet.
+    StrictConversation talk(LogIn + "-- gone\n" + LogIn + Passive(4001) + Data("LIST"));
+    QVERIFY_GOOD(talk.Do("DIR"));
+    QCOMPARE(talk.LastDuration.count(), (Conversation::Limit / 2).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::AServerThatLeavesOverThemGetsThemOneAtATime()
+{
+    for (const char* end : {"-- close", "-- break", "S: 421 one at a time, please\n-- close"}) {
+        StrictConversation talk(LogIn + end + "\n" + LogIn + Passive(4001) + Data("LIST"));
+        QVERIFY_GOOD(talk.Do("DIR"));
+        QCOMPARE(talk.LastDuration.count(), 0);
+        QVERIFY_FOLLOWED(talk);
+    }
+}
+
+void SentAheadTest::ThePortAskedForInAdvanceIsUsed()
+{
+    StrictConversation talk(First + Passive(4002) + Get + Passive(4003) + Data("NLST"));
+    talk.How.MoreToCome = true;
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    talk.How.MoreToCome = false;
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.Server.DataPeers().size(), 2U);
+    talk.Server.Play("C: TYPE A\nS: 200\n" + Passive(4003) + Data("NLST"));
+    QVERIFY_GOOD(talk.Do("LS"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::APortNobodyNeedsDoesNoHarm()
+{
+    StrictConversation talk(First + Passive(4002) + "C: PWD\nS: 257 \"/\"\n" + Passive(4003) + Get);
+    talk.How.MoreToCome = true;
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    talk.How.MoreToCome = false;
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ASessionThatEndedWithThePortAskedForBeginsAnew()
+{
+    for (const char* end : {"-- close", "-- break", "S: 421 waited too long\n-- close"}) {
+        StrictConversation talk(First + Passive(4002) + end + "\n" + First);
+        talk.How.MoreToCome = true;
+        QVERIFY_GOOD(talk.Do("GET kept"));
+        talk.How.MoreToCome = false;
+        talk.Settle();
+        QVERIFY_GOOD(talk.Do("GET kept"));
+        QVERIFY_FOLLOWED(talk);
+    }
+}
+
+void SentAheadTest::NothingIsSentAheadToAServerThatRefusesTheLogIn()
+{
+    StrictConversation talk("S: 220\nC: USER ann\nS: 331\nC: PASS secret\nS: 530 no\n");
+    QCOMPARE_FAILED(talk.Do("DIR"), 530);
+    QVERIFY(!talk.Session->IsConnected());
+    QVERIFY_FOLLOWED(talk);
+}
+
+QTEST_GUILESS_MAIN(SentAheadTest)
+#include "sent_ahead_test.moc"
