@@ -173,6 +173,7 @@ bool ScriptedServer::Try(const Step& step)
     }
     if (Control && Control->ClientGone) Control.reset();
     if (!Control) {
+        std::erase_if(Callers, [](const Link& caller) { return caller->ClientGone; });
         if (Callers.empty()) return false;
         Control = Callers.front();
         Callers.erase(Callers.begin());
