@@ -29,6 +29,8 @@ private slots:
     void NamesMayBePaths();
 
     void ASlowReaderIsWaitedFor();
+    void AConfirmedSendWhoseDataWasResetIsProvenBySize_data();
+    void AConfirmedSendWhoseDataWasResetIsProvenBySize();
     void ARefusedNewNameIsAnError();
     void ALineIsNeverALocalPath();
     void AFullDiskLeavesTheOldFile();
@@ -234,6 +236,28 @@ void QuirksTransfersTest::ASlowReaderIsWaitedFor()
     talk.MakeLocalFile("sent", QByteArray(10 * 32768, 'x') + "rest");
     QVERIFY_GOOD(talk.Do("PUT sent"));
     QCOMPARE(talk.LastDuration.count(), 150'000);
+    QVERIFY_FOLLOWED(talk);
+}
+
+void QuirksTransfersTest::AConfirmedSendWhoseDataWasResetIsProvenBySize_data()
+{
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<bool>("good");
+    QTest::newRow("whole") << "213 4" << true;
+    QTest::newRow("short") << "213 3" << false;
+    QTest::newRow("unknown") << "550 no" << false;
+}
+
+// Some servers confirm what they could not read to its end.
+void QuirksTransfersTest::AConfirmedSendWhoseDataWasResetIsProvenBySize()
+{
+    QFETCH(bool, good);
+    Conversation talk(LogIn + "C: TYPE I\nS: 200 fine\n" + SamplePassive +
+                      "C: STOR sent\n-- accept\nS: 150\nU: data\n-- break data\n-- pause 1\nS: 226 stored\n"
+                      "C: SIZE sent\nS: " +
+                      StringIn("size"));
+    talk.MakeLocalFile("sent", "data");
+    QCOMPARE(talk.Do("PUT sent").Good, good);
     QVERIFY_FOLLOWED(talk);
 }
 

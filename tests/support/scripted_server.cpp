@@ -134,7 +134,7 @@ void ScriptedServer::Later(int steps, std::function<void()> what)
 
 void ScriptedServer::Hear(const Link& link)
 {
-    Later(1, [this, link = link.get(), port = link->Address.port(), sum = Taken[link.get()] + link->ToServer.size()] {
+    Later(1, [this, link = link.get(), port = link->Address.port(), sum = Read[link.get()] + link->ToServer.size()] {
         if (port == Port && sum > Arrived[link]) ++Heard;
         Arrived[link] = std::max(Arrived[link], sum);
         Schedule();
@@ -204,6 +204,7 @@ bool ScriptedServer::Try(const Step& step)
     }
     if (Control && Control->ClientGone) Control.reset();
     if (!Control) {
+        std::erase_if(Callers, [](const Link& caller) { return caller->ClientGone; });
         if (Callers.empty()) return false;
         Control = Callers.front();
         Callers.erase(Callers.begin());
@@ -269,10 +270,10 @@ bool ScriptedServer::Command(const std::string& wanted)
 {
     const std::size_t end = Control->ToServer.find("\r\n");
     if (end == std::string::npos) return false;
-    if (Taken[Control.get()] + end + 2 > Arrived[Control.get()]) return false;
+    if (Read[Control.get()] + end + 2 > Arrived[Control.get()]) return false;
     const std::string got = Control->ToServer.substr(0, end);
     Control->ToServer.erase(0, end + 2);
-    Taken[Control.get()] += end + 2;
+    Read[Control.get()] += end + 2;
     if (wanted == "*" || got == wanted) return true;
     if (!Strict && got.starts_with("SIZE ")) {
         SendControl("550 I know no sizes\r\n");

@@ -152,7 +152,7 @@ private:
     Ftp::Milliseconds Latency{0};
     std::vector<std::unique_ptr<Ftp::Clock::Alarm>> OnTheWay;
     std::map<const MemoryLink*, std::size_t> Arrived;  ///< bytes that the client has sent
-    std::map<const MemoryLink*, std::size_t> Taken;    ///< of them, bytes in commands that were read
+    std::map<const MemoryLink*, std::size_t> Read;     ///< of them, bytes in commands that were read
     int Heard = 0;
     std::shared_ptr<int> Alive = std::make_shared<int>(0);
 };

@@ -1,6 +1,7 @@
 #include "support/panel_driver.h"
 #include "transfer/progress_view.h"
 
+#include <QAbstractButton>
 #include <QProgressBar>
 
 /// How far a transfer has come, in the window.

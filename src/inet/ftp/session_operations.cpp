@@ -228,7 +228,8 @@ Task<> Session::CheckReceived(std::string name, const Transfer& transfer, std::o
 Task<> Session::CheckSent(std::string name, const Transfer& transfer)
 {
     Proof = Confirmation{transfer.Bytes(), false};
-    if (!Can.SizeWorked || transfer.Bytes() < SizeAskedFrom) co_return;
+    const bool inVain = transfer.WasSentInVain();
+    if (!inVain && (!Can.SizeWorked || transfer.Bytes() < SizeAskedFrom)) co_return;
     std::optional<std::uint64_t> size;
     try {
         size = co_await AskSize(std::move(name));
@@ -238,6 +239,9 @@ Task<> Session::CheckSent(std::string name, const Transfer& transfer)
         Why.ForgiveTimeOut();
     }
     Proof->BySize = size == transfer.Bytes();
+    if (inVain && !size)
+        throw Failure{Failure::Connection, ResetError,
+                      "The data connection was reset before all of the file was read."};
     if (!size || transfer.Bytes() <= *size) co_return;
     throw Failure{Failure::Protocol, ResponseError,
                   "The server has stored only " + std::to_string(*size) + " of " + std::to_string(transfer.Bytes()) +

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
 #include <asio/post.hpp>
 #include <optional>
 #include <system_error>
@@ -115,8 +117,10 @@ Task<Reply> Transfer::Finish(Task<> moving)
         if (failure.Kind != Failure::Connection || Use.Why.IsInterrupted()) throw Failure(failure);
         lost = failure;
     }
-    Data->Abort();
+    if (!After) Data->Abort();
     Reply end = co_await HearEnd();
+    if (After) After->Over = true;
+    Data->Abort();
     if (lost && end.KindOf() == Reply::Done) throw Failure(*lost);
     co_return end;
 }
@@ -211,6 +215,19 @@ Task<> Transfer::Linger()
         if (Use.Why.IsInterrupted()) throw;
     }
     Lingering = false;
+    After = std::make_shared<Aftermath>();
+    asio::co_spawn(Use.Net.Executor(), WatchAftermath(Data, After), asio::detached);
+}
+
+// A reset tells that the server has not read everything, though some servers confirm even so.
+Task<> Transfer::WatchAftermath(std::shared_ptr<Wire> data, std::shared_ptr<Aftermath> after)
+{
+    std::array<char, 256> ignored;
+    try {
+        for (std::size_t count = 1; count > 0;) count = co_await data->Read(ignored.data(), ignored.size());
+    } catch (const Failure& failure) {
+        if (!after->Over && failure.Code == ResetError) after->Lost = true;
+    }
 }
 
 void Transfer::EndLingerSoon()

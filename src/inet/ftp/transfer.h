@@ -47,10 +47,21 @@ public:
     /// known and right.
     bool WasCut() const { return !Data->EndedProperly(); }
 
+    /// What was sent may not have been read: its connection was lost before the server confirmed. It is stored only
+    /// where its size is known and right.
+    bool WasSentInVain() const { return After && After->Lost; }
+
     /// The first preliminary reply, which may announce the size; Code 0 when there was none.
     const Reply& Opening() const { return First; }
 
 private:
+    /// What becomes of a connection on which everything is sent; lives as long as the one who watches it.
+    struct Aftermath {
+        bool Over = false;  ///< nobody wants to know any more
+        bool Lost = false;
+    };
+
+    static Task<> WatchAftermath(std::shared_ptr<Wire> data, std::shared_ptr<Aftermath> after);
     Task<> WaitForConsent();
     Task<> Linger();
     void EndLingerSoon();
@@ -76,6 +87,7 @@ private:
     bool Begun = false;                        ///< data has begun to come
     bool Lingering = false;                    ///< everything is sent, the server's end is still to come
     std::unique_ptr<Clock::Alarm> LingerEnds;  ///< for a server that never ends what it has confirmed
+    std::shared_ptr<Aftermath> After;          ///< of what was sent
     Guard* Watch = nullptr;                    ///< of the data that is waited for now
     ProgressMeter Meter;
 };
