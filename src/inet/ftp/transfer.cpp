@@ -248,7 +248,7 @@ Task<> Transfer::PourByBuffer(ReadFile& file, const std::filesystem::path& path)
             throw LocalFailure(path, error.code().value());
         }
         if (count == 0) co_return;
-        co_await Data->Write(std::string(buffer.data(), count));
+        co_await Data->WriteFrom(buffer.data(), count);
         guard.Progress();
         Count += count;
     }
