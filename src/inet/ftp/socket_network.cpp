@@ -58,10 +58,12 @@ public:
         co_return count;
     }
 
-    Task<> Write(std::string bytes) override
+    Task<> Write(std::string bytes) override { co_await WriteFrom(bytes.data(), bytes.size()); }
+
+    Task<> WriteFrom(const char* bytes, std::size_t size) override
     {
         asio::error_code error;
-        co_await asio::async_write(Socket, asio::buffer(bytes), asio::redirect_error(asio::use_awaitable, error));
+        co_await asio::async_write(Socket, asio::buffer(bytes, size), asio::redirect_error(asio::use_awaitable, error));
         if (error) throw ConnectionFailure(error);
     }
 

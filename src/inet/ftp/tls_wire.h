@@ -43,6 +43,7 @@ public:
     Task<> Connect(Endpoint endpoint) override;
     Task<std::size_t> Read(char* buffer, std::size_t size) override;
     Task<> Write(std::string bytes) override;
+    Task<> WriteFrom(const char* bytes, std::size_t size) override;
     Task<> SendEnd() override;
     Task<> AwaitEnd() override;
     Task<> WaitReadable() override;

@@ -275,7 +275,7 @@ Task<> Transfer::PourByBuffer(SourceFile& file, const std::filesystem::path& pat
         if (count == 0) co_return;
         for (std::size_t at = 0; at < count; at += PieceSize) {
             const std::size_t piece = std::min(PieceSize, count - at);
-            co_await Data->Write(std::string(buffer.data() + at, piece));
+            co_await Data->WriteFrom(buffer.data() + at, piece);
             guard.Progress();
             Meter.Add(piece);
         }

@@ -33,6 +33,9 @@ public:
     /// Writes all of the bytes.
     virtual Task<> Write(std::string bytes) = 0;
 
+    /// The same with bytes that stay where they are until it returns.
+    virtual Task<> WriteFrom(const char* bytes, std::size_t size) { return Write(std::string(bytes, size)); }
+
     /// Tells the other side that nothing more comes, and sees to it that what was written arrives.
     virtual Task<> SendEnd() = 0;
 
