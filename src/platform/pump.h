@@ -41,6 +41,7 @@ public:
 
 private:
     PumpResult MoveFirst();
+    PumpResult MoveOn();
     void ReserveRoom();
     void ReleaseRoom();
     bool OpenPipe();

@@ -1,6 +1,8 @@
 #include "support/panel_driver.h"
 #include "transfer/progress_view.h"
 
+#include <QAbstractButton>
+#include <QLocale>
 #include <QProgressBar>
 
 /// How far a transfer has come, in the window.
