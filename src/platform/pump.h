@@ -43,6 +43,7 @@ public:
 private:
 #ifndef _WIN32
     PumpResult MoveFirst();
+    PumpResult MoveOn();
     void ReserveRoom();
     void ReleaseRoom();
     bool OpenPipe();

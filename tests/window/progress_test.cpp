@@ -2,6 +2,7 @@
 #include "transfer/progress_view.h"
 
 #include <QAbstractButton>
+#include <QLocale>
 #include <QProgressBar>
 
 /// How far a transfer has come, in the window.

@@ -112,7 +112,19 @@ SocketToFile::~SocketToFile()
 
 PumpResult SocketToFile::Move()
 {
-    if (!SystemRefuses && !IsLong) return MoveFirst();
+    std::size_t first = 0;
+    if (!SystemRefuses && !IsLong) {
+        const PumpResult moved = MoveFirst();
+        if (moved.End != PumpEnd::Moved || !IsLong) return moved;
+        first = moved.Bytes;
+    }
+    PumpResult moved = MoveOn();
+    moved.Bytes += first;
+    return moved;
+}
+
+PumpResult SocketToFile::MoveOn()
+{
     if (SystemRefuses || !OpenPipe()) return MoveByBuffer();
     return MoveByPipe();
 }
