@@ -1,6 +1,7 @@
 #include "inet/ftp/session.h"
 
 #include "inet/ftp/data_address.h"
+#include "inet/ftp/encoding.h"
 #include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
 
@@ -323,6 +324,8 @@ Task<> Session::LogIn(std::vector<std::string> ahead)
 {
     for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) ahead.insert(ahead.begin(), MoveLine(*move));
     if (!Where.Path.empty()) ahead.insert(ahead.begin(), "CWD " + Where.Path);
+    // A name in other letters has a question in front of it.
+    if (!std::all_of(ahead.begin(), ahead.end(), IsAscii)) ahead.clear();
     co_await Safe.BeforeGreeting(How.Limit);
     const Reply greeting = co_await Control->HearFinal();
     if (IsBad(greeting)) throw RefusalOf(greeting);
