@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t PieceSize = 1024 * 1024;
+constexpr std::size_t PieceSize = std::size_t{1024} * 1024;
 
 [[noreturn]] void Refuse(const std::string& reason)
 {
