@@ -45,7 +45,11 @@ void NamesOnTheWireTest::ControlCharactersAreNeverSent()
                       "C: CDUP\nS: 250 up");
     talk.MakeLocalFile("near", "x");
     QVERIFY_GOOD(talk.Do("CDUP"));
-    QCOMPARE_FAILED(talk.Do(operation.toStdString()), Ftp::OperationError);
+    const Ftp::Outcome got = talk.Do(operation.toStdString());
+    QVERIFY(!got.Good);
+    // A local file that is sent under another name may be called whatever this computer allows; here it is missing.
+    const bool namesTwo = operation.startsWith("PUT x") && operation.endsWith(" y");
+    QCOMPARE(got.Code, namesTwo ? static_cast<int>(Ftp::InternalError) : static_cast<int>(Ftp::OperationError));
     QVERIFY_GOOD(talk.Do("CDUP"));
     QVERIFY_FOLLOWED(talk);
 }
