@@ -225,6 +225,7 @@ Task<> Transfer::WatchAftermath(std::shared_ptr<Wire> data, std::shared_ptr<Afte
     std::array<char, 256> ignored;
     try {
         for (std::size_t count = 1; count > 0;) count = co_await data->Read(ignored.data(), ignored.size());
+        data->Abort();
     } catch (const Failure& failure) {
         if (!after->Over && failure.Code == ResetError) after->Lost = true;
     }
