@@ -278,11 +278,15 @@ void TransferComponentTest::NothingOfACancelledCommandComesLater()
         Begin("DIR");
         if (round % 2 == 0) QCoreApplication::processEvents();
         if (round % 3 == 0) QTRY_VERIFY(!States->isEmpty());
+        // On a busy machine a whole command may be over by now; it leaves its connection to the next.
+        const bool inTime = Inet->StillExecuting();
         Inet->Cancel();
         const qsizetype before = States->size();
         Begin("DIR");
         QVERIFY(WaitForEnd());
-        QCOMPARE(StatesSince(before), (QList<int>{1, 2, 3, 4, 5, 6, 7, 8, 12}));
+        QList<int> expected{5, 6, 7, 8, 12};
+        if (inTime) expected = QList<int>{1, 2, 3, 4} + expected;
+        QCOMPARE(StatesSince(before), expected);
         States->clear();
     }
 }
