@@ -27,7 +27,7 @@ constexpr int TwipsPerPixel = 15;
 
 }  // namespace
 
-StartUp::StartUp(Controls controls, Tools tools) : Form(std::move(controls)), Use(std::move(tools)) {}
+StartUp::StartUp(Controls controls, Tools tools) : Form(controls), Use(std::move(tools)) {}
 
 void StartUp::InitialiseMainWindow()
 {

@@ -15,7 +15,7 @@ QUrl FileAddress(const QString& path)
 
 QString LocalPath(const QUrl& address)
 {
-    const QString path = address.toLocalFile();
+    QString path = address.toLocalFile();
     if (!path.startsWith(u'/')) return path;
     // The toolkit's own decoding loses bytes that are no UTF-8.
     return BytesToText(QByteArray::fromPercentEncoding(address.path(QUrl::FullyEncoded).toLatin1()));

@@ -317,8 +317,8 @@ void HttpDownload::End(Ftp::Outcome outcome)
 {
     if (HasEnded) return;
     Silence();
-    outcome.Text = Ftp::Without(Wanted.Password.toStdString(), std::move(outcome.Text));
-    outcome.Text = Ftp::Without(Wanted.Via.Password, std::move(outcome.Text));
+    outcome.Text = Ftp::Without(Wanted.Password.toStdString(), outcome.Text);
+    outcome.Text = Ftp::Without(Wanted.Via.Password, outcome.Text);
     Ended(std::move(outcome));
 }
 

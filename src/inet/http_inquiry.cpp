@@ -34,7 +34,7 @@ HttpInquiry::Answer Ask(const std::string& scheme, const std::string& host, std:
 
 }  // namespace
 
-HttpInquiry::HttpInquiry(QUrl url, Ftp::Proxy via, std::function<void(const Answer&)> answered)
+HttpInquiry::HttpInquiry(const QUrl& url, Ftp::Proxy via, std::function<void(const Answer&)> answered)
     : Asked(std::make_shared<Shared>()), Answered(std::move(answered))
 {
     Asked->Receiver = this;

@@ -22,7 +22,7 @@ public:
     };
 
     /// Asks at once; `answered` is called on this object's thread, once.
-    HttpInquiry(QUrl url, Ftp::Proxy via, std::function<void(const Answer&)> answered);
+    HttpInquiry(const QUrl& url, Ftp::Proxy via, std::function<void(const Answer&)> answered);
     ~HttpInquiry() override;
 
 private:

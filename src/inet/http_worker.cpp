@@ -1,5 +1,6 @@
 #include "inet/http_worker.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QObject>
 #include <chrono>
@@ -50,6 +51,18 @@ void HttpWorker::Shared::End(const Worker::Listener& listener, Ftp::Outcome outc
     QMetaObject::invokeMethod(&Loop, tidy, Qt::QueuedConnection);
 }
 
+namespace {
+
+/// Of a thread that hangs in the library, for as long as the process lives.
+void KeepForGood(std::unique_ptr<QThread> thread, std::shared_ptr<void> place)
+{
+    using Kept = std::pair<std::unique_ptr<QThread>, std::shared_ptr<void>>;
+    static auto& all = *new std::vector<Kept>;
+    all.emplace_back(std::move(thread), std::move(place));
+}
+
+}  // namespace
+
 HttpWorker::HttpWorker() : Place(std::make_shared<Shared>()), Thread(std::make_unique<QThread>())
 {
     Place->Loop.moveToThread(Thread.get());
@@ -72,13 +85,16 @@ HttpWorker::~HttpWorker()
         silent = Place->Changed.wait_for(guard, Patience, [this] { return Place->Abandoned; });
         Place->Abandoned = true;
     }
-    QMetaObject::invokeMethod(
-        &Place->Loop, [place = Place] { place->Download.reset(); }, Qt::QueuedConnection);
-    Thread->quit();
-    if (silent && Thread->wait(QDeadlineTimer(Patience))) return;
-    // Both stay for as long as the process does.
-    (void)Thread.release();
-    (void)new std::shared_ptr<Shared>(Place);
+    // The thread ends by an event of its own, behind all that is queued already.
+    const auto end = [place = Place, thread = Thread.get()] {
+        place->Download.reset();
+        thread->quit();
+    };
+    QMetaObject::invokeMethod(&Place->Loop, end, Qt::QueuedConnection);
+    if (silent && Thread->wait(QDeadlineTimer(Patience)))
+        QCoreApplication::removePostedEvents(&Place->Loop);
+    else
+        KeepForGood(std::move(Thread), Place);
 }
 
 void HttpWorker::Fetch(HttpRequest request, Worker::Listener listener)

@@ -13,7 +13,7 @@ namespace Ftp {
 namespace {
 
 constexpr std::size_t MaxListingBytes = std::size_t{512} * 1024 * 1024;
-constexpr std::uint64_t SizeAskedFrom = 64 * 1024;
+constexpr std::uint64_t SizeAskedFrom = std::uint64_t{64} * 1024;
 constexpr int ServiceClosing = 421;  // RFC 959, 4.2.2
 constexpr int NotLoggedIn = 530;     // the same
 constexpr Milliseconds GoodbyeLimit = std::chrono::seconds(2);

@@ -102,7 +102,7 @@ Task<> AskHttp(std::shared_ptr<Wire> wire, Proxy via, std::string host, std::uin
     if (status < 200) throw NotUnderstood();
     if (status >= 300)
         throw Failure{Failure::Refused, status,
-                      "The proxy refused the connection: " + Without(via.Password, std::move(words))};
+                      "The proxy refused the connection: " + Without(via.Password, words)};
 }
 
 // RFC 1928, 3, and RFC 1929.
