@@ -9,7 +9,7 @@ constexpr int Whole = 1000;
 
 QString TimeText(qint64 seconds)
 {
-    const QString tail = QStringLiteral("%1:%2").arg(seconds / 60 % 60).arg(seconds % 60, 2, 10, QChar(u'0'));
+    QString tail = QStringLiteral("%1:%2").arg(seconds / 60 % 60).arg(seconds % 60, 2, 10, QChar(u'0'));
     if (seconds < 3600) return tail;
     return QString::number(seconds / 3600) + u':' + tail.rightJustified(5, u'0');
 }
@@ -18,7 +18,7 @@ QString TimeText(qint64 seconds)
 
 QString ProgressText(const Inet::Progress& progress)
 {
-    const QString rate = QLocale().formattedDataSize(progress.Rate, 1, QLocale::DataSizeTraditionalFormat) + "/s";
+    QString rate = QLocale().formattedDataSize(progress.Rate, 1, QLocale::DataSizeTraditionalFormat) + "/s";
     const qint64 left = progress.Expected - progress.Done;
     if (left < 0 || progress.Rate <= 0) return rate;
     return rate + "  " + TimeText(left / progress.Rate + (left % progress.Rate > 0 ? 1 : 0));
