@@ -101,8 +101,7 @@ Task<> AskHttp(std::shared_ptr<Wire> wire, Proxy via, std::string host, std::uin
     const int status = StatusIn(head, words);
     if (status < 200) throw NotUnderstood();
     if (status >= 300)
-        throw Failure{Failure::Refused, status,
-                      "The proxy refused the connection: " + Without(via.Password, words)};
+        throw Failure{Failure::Refused, status, "The proxy refused the connection: " + Without(via.Password, words)};
 }
 
 // RFC 1928, 3, and RFC 1929.
