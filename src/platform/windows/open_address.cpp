@@ -1,7 +1,11 @@
 #include "platform/open_address.h"
 
-#include <shellapi.h>
+// The other header needs this one before it.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+
+// clang-format on
 
 void OpenAddress(const QString& address)
 {

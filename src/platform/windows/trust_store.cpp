@@ -1,7 +1,10 @@
 #include "platform/trust_store.h"
 
-#include <wincrypt.h>
+// The other header needs this one before it.
+// clang-format off
 #include <windows.h>
+#include <wincrypt.h>
+// clang-format on
 
 // The system's header has macros of these names.
 #undef X509_NAME
