@@ -44,8 +44,6 @@ private:
 #ifndef _WIN32
     PumpResult MoveFirst();
     PumpResult MoveOn();
-    void ReserveRoom();
-    void ReleaseRoom();
     bool OpenPipe();
     void ClosePipe();
     PumpResult MoveByPipe();
@@ -57,9 +55,6 @@ private:
     int PipeEnd = -1;
     bool IsLong = false;  ///< so much has come at once that the system's own way is worth its beginning
     bool SystemRefuses = false;
-    bool MayReserve = false;
-    std::int64_t Place = 0;     ///< of the file
-    std::int64_t Reserved = 0;  ///< up to here the file system has been asked for room
 #endif
 
     int Socket;

@@ -8,16 +8,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 #ifdef __linux__
-#include <linux/magic.h>
 #include <sys/sendfile.h>
-#include <sys/statfs.h>
 #endif
 
 namespace {
 
 constexpr std::size_t MaxBytesPerMove = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t PipeBytes = std::size_t{1024} * 1024;
-constexpr std::int64_t ReserveBytes = std::int64_t{16} * 1024 * 1024;
 constexpr std::size_t FirstBytes = std::size_t{32} * 1024;
 constexpr std::size_t ReceiveBufferBytes = std::size_t{1024} * 1024;
 constexpr std::size_t SendBufferBytes = std::size_t{64} * 1024;
@@ -197,38 +194,9 @@ PumpResult FileToSocket::MoveByBuffer()
 
 #ifdef __linux__
 
-namespace {
-
-// File systems that give room in one piece more quickly than page by page, and take back what was too much.
-bool ReservesWell(int file)
-{
-    struct statfs facts {};
-
-    if (::fstatfs(file, &facts) != 0) return false;
-    return facts.f_type == TMPFS_MAGIC || facts.f_type == EXT4_SUPER_MAGIC || facts.f_type == XFS_SUPER_MAGIC;
-}
-
-}  // namespace
-
-// A full disk shows when there is something to write, not here.
-void SocketToFile::ReserveRoom()
-{
-    if (!MayReserve || Place + static_cast<std::int64_t>(PipeBytes) <= Reserved) return;
-    MayReserve = ::fallocate(File, FALLOC_FL_KEEP_SIZE, Reserved, ReserveBytes) == 0;
-    if (MayReserve) Reserved += ReserveBytes;
-}
-
-void SocketToFile::ReleaseRoom()
-{
-    if (Reserved > Place) static_cast<void>(::ftruncate(File, Place));
-    Reserved = Place;
-}
-
 bool SocketToFile::OpenPipe()
 {
     if (PipeBegin >= 0) return true;
-    Place = Reserved = ::lseek(File, 0, SEEK_CUR);
-    MayReserve = Place >= 0 && ReservesWell(File);
     int ends[2] = {-1, -1};
     if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return false;
     PipeEnd = ends[0];
@@ -242,18 +210,14 @@ PumpResult SocketToFile::MoveByPipe()
 {
     std::size_t moved = 0;
     while (moved < MaxBytesPerMove) {
-        ReserveRoom();
         const ssize_t count = Persist([&] {
             return ::splice(Socket, nullptr, PipeBegin, nullptr, PipeBytes, SPLICE_F_MOVE | SPLICE_F_NONBLOCK);
         });
         if (count < 0 && IsRefusal(errno)) SystemRefuses = true;
         if (SystemRefuses) return {PumpEnd::Moved, moved, 0};
         if (count < 0) return ReadFailure(moved, errno);
-        if (count == 0) ReleaseRoom();
         if (count == 0) return {PumpEnd::End, moved, 0};
-        const std::size_t before = moved;
         const int error = EmptyPipe(static_cast<std::size_t>(count), moved);
-        Place += static_cast<std::int64_t>(moved - before);
         if (error != 0) {
             ClosePipe();
             return {PumpEnd::TargetError, moved, error};
