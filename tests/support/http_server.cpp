@@ -4,7 +4,11 @@
 #include <QSslServer>
 #include <QTimer>
 #include <algorithm>
+#ifdef _WIN32
+#include <winsock2.h>
+#else
 #include <sys/socket.h>
+#endif
 
 HttpServer::HttpServer(const std::optional<HttpCertificate>& certificate) : IsSecure(certificate.has_value())
 {
@@ -135,7 +139,12 @@ void HttpServer::Finish(QTcpSocket* socket)
         // Not from within the socket's own doings.
         QTimer::singleShot(0, socket, [socket] {
             const linger hard{1, 0};
+#ifdef _WIN32
+            ::setsockopt(static_cast<SOCKET>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER,
+                         reinterpret_cast<const char*>(&hard), sizeof hard);
+#else
             ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+#endif
             socket->abort();
         });
         return;

@@ -4,12 +4,16 @@
 #include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
+#ifndef Q_OS_WIN
 #include <csignal>
 #include <sys/prctl.h>
+#endif
 
 namespace {
 
+#ifndef Q_OS_WIN
 constexpr int FetchLimit = 300'000;  // milliseconds
+#endif
 constexpr int StartLimit = 60'000;
 
 int FreePort()
@@ -30,9 +34,6 @@ bool Accepts(int port)
 
 RealProxy::RealProxy(Kind kind) : Which(kind), Port(FreePort())
 {
-    const QString program =
-        Program(kind == Tinyproxy ? "tinyproxy/usr/bin/tinyproxy" : "microsocks/usr/bin/microsocks");
-    if (!Trouble.isEmpty()) return;
     QStringList arguments{"-i", "127.0.0.1", "-p", QString::number(Port), "-u", "user", "-P", "word"};
     if (kind == Tinyproxy) {
         QFile configuration(Place.filePath("tinyproxy.conf"));
@@ -41,30 +42,34 @@ RealProxy::RealProxy(Kind kind) : Which(kind), Port(FreePort())
                             QByteArray::number(Port) + "\n");
         arguments = {"-d", "-c", configuration.fileName()};
     }
-    Process.setStandardOutputFile(QProcess::nullDevice());
-    Process.setStandardErrorFile(QProcess::nullDevice());
-    Process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    Process.start(program, arguments);
+    const QString program = kind == Tinyproxy ? "tinyproxy/usr/bin/tinyproxy" : "microsocks/usr/bin/microsocks";
+    Start(program, arguments);
     const QDeadlineTimer limit(StartLimit);
-    while (!Accepts(Port)) {
-        if (Process.state() != QProcess::NotRunning && !limit.hasExpired()) continue;
-        Trouble = program + " does not start.";
-        return;
+    while (Trouble.isEmpty() && !Accepts(Port)) {
+        if (!Runs() || limit.hasExpired()) Trouble = program + " does not start.";
     }
 }
 
-RealProxy::~RealProxy()
+#ifdef Q_OS_WIN
+
+void RealProxy::Start(const QString& program, const QStringList& arguments)
 {
-    Process.kill();
-    Process.waitForFinished(StartLimit);
+    Desk.connectToHost(QStringLiteral("127.0.0.1"), qEnvironmentVariable("TOLVANE_SERVER_DESK").toUShort());
+    if (!Desk.waitForConnected(StartLimit)) Trouble = QStringLiteral("Nobody starts servers: ") + Desk.errorString();
+    Desk.write((QStringList{"run", program} + arguments).join(u' ').toUtf8() + '\n');
+    Desk.flush();
 }
 
-QString RealProxy::Url() const
+bool RealProxy::Runs() const
 {
-    return QStringLiteral("%1://user:word@127.0.0.1:%2").arg(Which == Tinyproxy ? "http" : "socks5").arg(Port);
+    return Desk.state() == QAbstractSocket::ConnectedState;
 }
 
-QString RealProxy::Program(const QString& name)
+RealProxy::~RealProxy() = default;
+
+#else
+
+void RealProxy::Start(const QString& program, const QStringList& arguments)
 {
     const QString fetch = QStringLiteral(TOLVANE_SOURCE_FOLDER "/tools/fetch-servers");
     QProcess process;
@@ -73,5 +78,27 @@ QString RealProxy::Program(const QString& name)
         Trouble = QString::fromLocal8Bit(process.readAllStandardError());
     process.start(fetch, {"--where"});
     if (!process.waitForFinished(FetchLimit)) Trouble = "tools/fetch-servers does not end.";
-    return QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed() + '/' + name;
+    if (!Trouble.isEmpty()) return;
+    Process.setStandardOutputFile(QProcess::nullDevice());
+    Process.setStandardErrorFile(QProcess::nullDevice());
+    Process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    Process.start(QString::fromLocal8Bit(process.readAllStandardOutput()).trimmed() + '/' + program, arguments);
+}
+
+bool RealProxy::Runs() const
+{
+    return Process.state() != QProcess::NotRunning;
+}
+
+RealProxy::~RealProxy()
+{
+    Process.kill();
+    Process.waitForFinished(StartLimit);
+}
+
+#endif
+
+QString RealProxy::Url() const
+{
+    return QStringLiteral("%1://user:word@127.0.0.1:%2").arg(Which == Tinyproxy ? "http" : "socks5").arg(Port);
 }

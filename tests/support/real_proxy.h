@@ -1,8 +1,12 @@
 #pragma once
 
-#include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
+#ifdef Q_OS_WIN
+#include <QTcpSocket>
+#else
+#include <QProcess>
+#endif
 
 /// One real proxy on a free loopback port, as tools/fetch-servers has fetched it. It accepts connections when the
 /// constructor returns, and ends with this object.
@@ -22,11 +26,17 @@ public:
     QString Url() const;
 
 private:
-    QString Program(const QString& name);
+    /// Starts one of the fetched programs.
+    void Start(const QString& program, const QStringList& arguments);
+    bool Runs() const;
 
     Kind Which;
     int Port = 0;
     QTemporaryDir Place;
+#ifdef Q_OS_WIN
+    QTcpSocket Desk;  ///< to the one who starts programs on the servers' system; they end with it
+#else
     QProcess Process;
+#endif
     QString Trouble;
 };

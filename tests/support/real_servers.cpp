@@ -58,6 +58,9 @@ RealServer::RealServer(Kind kind, const QString& address, Security security, con
     UserName = told.value(QStringLiteral("user")).toString();
     Word = told.value(QStringLiteral("password")).toString();
     AuthorityFile = told.value(QStringLiteral("authority")).toString();
+#ifdef Q_OS_WIN
+    if (!AuthorityFile.isEmpty()) AuthorityFile.prepend("Z:");  // where Wine shows the files of the servers' system
+#endif
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
 }
 

@@ -1,10 +1,11 @@
 #!/usr/bin/python3
-"""Starts real FTP servers for tests that cannot start them themselves: those that run as programs for Windows.
+"""Starts real servers for tests that cannot start them themselves: those that run as programs for Windows.
 
     server_desk.py            prints its loopback port on one line and serves until its input ends
 
-Who wants a server connects and writes one line, KIND ADDRESS FOLDER, the folder as Wine names it; from then on the connection is the input and the
-output of a real_server.py, which ends with it.
+Who wants a server connects and writes one line, with files and folders as Wine names them:
+    KIND ADDRESS FOLDER [OPTION...]   the connection becomes the input and the output of a real_server.py, and ends it
+    run PROGRAM [WORD...]             one of the programs that tools/fetch-servers has fetched; it ends with the connection
 """
 import os
 import pathlib
@@ -14,11 +15,25 @@ import sys
 import threading
 
 KEEPER = pathlib.Path(__file__).resolve().with_name("real_server.py")
+FETCHED = pathlib.Path(os.environ.get("TOLVANE_CACHE", KEEPER.parents[2] / ".cache")) / "servers"
 
 
-def unix_path(folder):
-    """Wine keeps its drives as links in a folder of its own."""
-    return pathlib.Path(os.environ["WINEPREFIX"], "dosdevices", folder[:2].lower(), folder[3:])
+def unix_path(word):
+    """Wine keeps its drives as links in a folder of its own. What is no path stays as it is."""
+    if word[1:3] != ":/":
+        return word
+    return str(pathlib.Path(os.environ["WINEPREFIX"], "dosdevices", word[:2].lower(), word[3:]))
+
+
+def run(client, program, words):
+    process = subprocess.Popen([FETCHED / program, *words], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL)
+    try:
+        while client.recv(1):
+            pass
+    finally:
+        process.kill()
+        process.wait()
 
 
 def serve(client):
@@ -29,9 +44,12 @@ def serve(client):
             if not byte:
                 return
             line += byte
-        kind, address, folder = line.decode().rstrip("\n").split(" ", 2)
-        subprocess.run([sys.executable, KEEPER, kind, "--address", address, "--folder", unix_path(folder)],
-                       stdin=client, stdout=client, check=False)
+        first, second, *words = [unix_path(word) for word in line.decode().split()]
+        if first == "run":
+            run(client, second, words)
+        else:
+            subprocess.run([sys.executable, KEEPER, first, "--address", second, "--folder", *words],
+                           stdin=client, stdout=client, check=False)
 
 
 def main():

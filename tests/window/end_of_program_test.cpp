@@ -271,8 +271,10 @@ void EndOfProgramTest::AHangUpThatWaitsForASilentServerHoldsNobodyUp()
 int main(int count, char** words)
 {
     QApplication program(count, words);
+#ifndef Q_OS_WIN
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == "--hang") return HangAndEnd(arguments.value(2));
+#endif
     EndOfProgramTest test;
     return QTest::qExec(&test, count, words);
 }
