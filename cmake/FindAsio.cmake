@@ -14,6 +14,9 @@ if(Asio_FOUND AND NOT TARGET Asio::Asio)
   if(WIN32)
     # It brings the system's headers along: nothing of theirs for drawing, which takes names like Escape.
     target_compile_definitions(Asio::Asio INTERFACE NOGDI)
+    # It would choose its threads by the headers that happen to come before it: one kind in some objects, the other in
+    # the rest, and then a context does not wait for its own thread when it goes away.
+    target_compile_definitions(Asio::Asio INTERFACE ASIO_HAS_PTHREADS)
     target_link_libraries(Asio::Asio INTERFACE ws2_32 mswsock)
   endif()
 endif()
