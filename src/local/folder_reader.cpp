@@ -2,6 +2,7 @@
 
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
+#include "platform/file_facts.h"
 
 #include <algorithm>
 #include <iterator>
@@ -19,19 +20,6 @@ void ThrowWhenFailed(const std::error_code& error)
         throw RuntimeError("Path not found");
     if (error == std::errc::permission_denied) throw RuntimeError("Permission denied");
     throw RuntimeError(QString::fromStdString(error.message()));
-}
-
-/// Type of what the entry is or points to; asks the disk only where the folder itself does not tell.
-fs::file_type TypeOf(const fs::directory_entry& entry)
-{
-    std::error_code ignored;
-    return entry.status(ignored).type();
-}
-
-bool IsSpecial(fs::file_type type)
-{
-    return type == fs::file_type::fifo || type == fs::file_type::socket || type == fs::file_type::block ||
-           type == fs::file_type::character;
 }
 
 /// Names with a dot in front go last; otherwise case does not count.
@@ -64,11 +52,11 @@ void FolderReader::ReadSlice(std::chrono::milliseconds slice)
     Run files;
     Run folders;
     do {
-        const fs::file_type type = TypeOf(*Next);
+        const EntryKind kind = KindOf(*Next);
         const QString name = PathText(Next->path().filename());
-        if (type == fs::file_type::directory)
+        if (kind == EntryKind::Folder)
             folders.push_back({SortKey(name), name});
-        else if (!IsSpecial(type) && Pattern.Matches(name))
+        else if (kind == EntryKind::File && Pattern.Matches(name))
             files.push_back({SortKey(name), name});
         std::error_code error;
         Next.increment(error);

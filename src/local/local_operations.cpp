@@ -1,6 +1,5 @@
 #include "local/local_operations.h"
 
-#include "base/byte_text.h"
 #include "base/conversions.h"
 #include "base/file_address.h"
 #include "base/formats.h"
@@ -8,6 +7,7 @@
 #include "dialogs/picture_viewer.h"
 #include "dialogs/text_input.h"
 #include "platform/current_folder.h"
+#include "platform/file_facts.h"
 #include "platform/rename.h"
 #include "session/waits.h"
 #include "shell/activity_log.h"
@@ -17,56 +17,13 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <chrono>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int EndingLength = 4;
 constexpr auto EraseQuestion = "Erase File(s)    Are you sure?";
 constexpr std::chrono::milliseconds Slice{8};  // of work between two looks at the event loop
-
-void ThrowWhenFailed(const std::error_code& failure)
-{
-    if (!failure) return;
-    if (failure == std::errc::no_such_file_or_directory || failure == std::errc::not_a_directory)
-        throw RuntimeError("File not found");
-    if (failure == std::errc::permission_denied || failure == std::errc::operation_not_permitted ||
-        failure == std::errc::read_only_file_system)
-        throw RuntimeError("Permission denied");
-    throw RuntimeError(QString::fromStdString(failure.message()));
-}
-
-qint64 SizeOf(const fs::path& file)
-{
-    std::error_code failure;
-    const std::uintmax_t size = fs::file_size(file, failure);
-    ThrowWhenFailed(failure);
-    return static_cast<qint64>(size);
-}
-
-QDateTime DateOf(const fs::path& file)
-{
-    std::error_code failure;
-    const fs::file_time_type changed = fs::last_write_time(file, failure);
-    ThrowWhenFailed(failure);
-    const auto since = fs::file_time_type::clock::to_sys(changed).time_since_epoch();
-    return QDateTime::fromSecsSinceEpoch(std::chrono::floor<std::chrono::seconds>(since).count());
-}
-
-/// Links are erased themselves; a folder that has taken the file's place stays.
-void EraseFile(const fs::path& file)
-{
-    std::error_code failure;
-    const fs::file_type type = fs::symlink_status(file, failure).type();
-    if (type == fs::file_type::directory) throw RuntimeError("File not found");
-    const bool erased = fs::remove(file, failure);
-    ThrowWhenFailed(failure);
-    if (!erased) throw RuntimeError("File not found");
-}
 
 /// Without a current folder a name would be one in the root.
 QString Folder()
@@ -171,9 +128,9 @@ void LocalOperations::Command19_Click()
 
 void LocalOperations::TellSize(const QString& name)
 {
-    const fs::path file = FilePath(FullName(Folder(), name));
-    const QString message =
-        name + "    File Size = " + Thousands(SizeOf(file)) + "  -  " + GeneralDateTime(DateOf(file));
+    const FileFacts facts = FactsOf(FullName(Folder(), name));
+    const QString message = name + "    File Size = " + Thousands(static_cast<qint64>(facts.Bytes)) + "  -  " +
+                            GeneralDateTime(facts.Changed);
     Use.Questions.Ask({message, "File Size, Date & Time", Question::Information, Question::Ok});
     Use.Log.AddWithDateTime("Viewed size on local file " + message);
 }
@@ -222,7 +179,7 @@ void LocalOperations::Erase(const QStringList& names)
 // What the log says has happened.
 void LocalOperations::EraseOne(const QString& folder, const QString& name)
 {
-    EraseFile(FilePath(FullName(folder, name)));
+    EraseFile(FullName(folder, name));
     Use.Log.AddWithDateTime("Erased local file " + name);
 }
 

@@ -6,6 +6,7 @@
 #include "local/folder_reader.h"
 #include "platform/current_folder.h"
 #include "platform/drives.h"
+#include "platform/file_facts.h"
 #include "session/waits.h"
 #include "shell/status_line.h"
 
@@ -14,7 +15,6 @@
 #include <QStyle>
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -57,12 +57,6 @@ void PrepareFilterBox(QComboBox& box)
     box.addItems(FilterPatterns());
     box.setCurrentIndex(-1);
     box.setEditText(shown);
-}
-
-bool IsFolder(const QString& path)
-{
-    std::error_code ignored;
-    return std::filesystem::is_directory(FilePath(path), ignored);
 }
 
 /// The folder, or the nearest one above it that is there.
