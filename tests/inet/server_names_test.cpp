@@ -1,7 +1,8 @@
+#include "platform/file_facts.h"
 #include "support/all_servers_test.h"
+#include "support/names_here.h"
 
 #include <QDir>
-#include <filesystem>
 
 /// Odd names, and listing lines given as names, on four FTP servers as they are in the world.
 class ServerNamesTest : public AllServersTest {
@@ -28,7 +29,7 @@ private slots:
 
 namespace {
 
-const QList<QByteArray> OddNames = {
+const QList<QByteArray> OddNames = NamesHere({
     "two  blanks",
     " blank first",
     "100% sure %41%2F",
@@ -46,7 +47,7 @@ const QList<QByteArray> OddNames = {
     "Latin Gr\xFC\xDF"
     "e.txt",
     "two hundred " + QByteArray(220, 'n') + ".txt",
-};
+});
 
 /// Pure-FTPd drops the blanks before a name.
 bool ChangesName(int kind, const QByteArray& name)
@@ -109,7 +110,7 @@ void ServerNamesTest::OddFolderNamesComeAndGo()
             continue;
         }
         QVERIFY_GOOD(Do("MKDIR " + text));
-        QVERIFY2(std::filesystem::is_directory(FilePath(Remote(name))), name);
+        QVERIFY2(IsFolder(Remote(name)), name);
         QVERIFY_GOOD(Do("CD " + BytesToText(name)));
         QCOMPARE(Do("PWD").Reply, top + u'/' + BytesToText(name));
         QVERIFY_GOOD(Do("CDUP"));

@@ -1,4 +1,6 @@
 #include "base/byte_text.h"
+#include "platform/file_facts.h"
+#include "support/names_here.h"
 #include "support/real_program.h"
 #include "support/test_files.h"
 
@@ -83,7 +85,7 @@ private:
 
 namespace {
 
-const QList<QByteArray> OddNames = {
+const QList<QByteArray> OddNames = NamesHere({
     "two  blanks",
     "a \"quoted\" word",
     "100% sure %41%2F %s",
@@ -94,7 +96,7 @@ const QList<QByteArray> OddNames = {
     "\xE6\x97\xA5\xE6\x9C\xAC.txt",
     "it's $(more)",
     QByteArray(250, 'n'),
-};
+});
 
 }  // namespace
 
@@ -142,7 +144,7 @@ void RemoteOperationsTest::FoldersOfOddNamesAreMadeAndErased()
     for (const QByteArray& name : OddNames) {
         Own->Prompt->Answers.emplace_back(BytesToText(name));
         Press("Command10");
-        QVERIFY2(std::filesystem::is_directory(FilePath(Remote(name))), name);
+        QVERIFY2(IsFolder(Remote(name)), name);
         QVERIFY2(Has(name), qPrintable(Lines().join(u'\n')));
         Choose(name);
         Press("Command9");

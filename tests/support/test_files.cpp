@@ -8,6 +8,9 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 namespace {
 
@@ -56,7 +59,11 @@ QByteArray Read(const QString& path)
 
 bool Exists(const QString& path)
 {
+#ifdef Q_OS_WIN
+    return GetFileAttributesW(FilePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+#else
     return std::filesystem::exists(FilePath(path));
+#endif
 }
 
 void MakeSparse(const QString& path, qint64 size)

@@ -21,7 +21,9 @@ void FileAddressTest::APathAndItsAddress_data()
     QTest::newRow("blanks and marks") << QByteArray("/a b/100% #1?.txt")
                                       << QByteArray("file:///a%20b/100%25%20%231%3F.txt");
     QTest::newRow("beyond ASCII") << QByteArray("/caf\xC3\xA9") << QByteArray("file:///caf%C3%A9");
+#ifndef Q_OS_WIN  // where names are text
     QTest::newRow("no text at all") << QByteArray("/caf\xE9\x01") << QByteArray("file:///caf%E9%01");
+#endif
     QTest::newRow("looks like an escape") << QByteArray("/%41") << QByteArray("file:///%2541");
 }
 
