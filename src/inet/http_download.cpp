@@ -3,9 +3,11 @@
 #include "inet/ftp/failure.h"
 #include "inet/ftp/secret.h"
 #include "inet/http_address.h"
+#include "inet/http_trust.h"
 
 #include <QAuthenticator>
 #include <QNetworkProxy>
+#include <QSslConfiguration>
 #include <QSslError>
 #include <algorithm>
 #include <utility>
@@ -15,7 +17,6 @@ namespace {
 constexpr int MostRedirects = 10;
 constexpr qint64 BufferSize = qint64{1024} * 1024;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
-constexpr int SecurityError = 12157;
 constexpr int ProxyAuthenticationRequired = 407;
 
 // The states that are reported, as the component numbers them.
@@ -66,7 +67,7 @@ Ftp::Outcome FailureOf(QNetworkReply::NetworkError error)
     case QNetworkReply::TimeoutError:
         return {false, Ftp::TimeOutError, "The server did not answer in time.", {}};
     case QNetworkReply::SslHandshakeFailedError:
-        return {false, SecurityError, "A secure connection with the server could not be made.", {}};
+        return {false, Ftp::SecureChannelError, "A secure connection with the server could not be made.", {}};
     case QNetworkReply::ProtocolFailure:
     case QNetworkReply::ProtocolUnknownError:
         return {false, Ftp::ResponseError, "The server's answer was not understood.", {}};
@@ -95,8 +96,8 @@ Ftp::Outcome ProxyFailureOf(QNetworkReply::NetworkError error)
 
 }  // namespace
 
-HttpDownload::HttpDownload(HttpRequest request, std::function<void(int)> state, std::function<void(Ftp::Outcome)> ended)
-    : Wanted(std::move(request)), State(std::move(state)), Ended(std::move(ended)), Url(Wanted.Url)
+HttpDownload::HttpDownload(HttpRequest request, HttpObserver observer)
+    : Wanted(std::move(request)), Listener(std::move(observer)), Url(Wanted.Url)
 {
     if (Wanted.File.empty()) {
         auto memory = std::make_unique<Ftp::MemorySink>(MostInMemory);
@@ -133,8 +134,9 @@ void HttpDownload::Inquire()
     Clock.start();
     Inquiry = std::make_unique<HttpInquiry>(Url, Wanted.Via, [this](const HttpInquiry::Answer& answer) {
         if (HasEnded) return;
+        Road = answer.Via;
         if (answer.Failed.empty())
-            Send(answer);
+            Send();
         else if (answer.Via.Kind == Ftp::Proxy::None)
             Fail(Ftp::NameError, "The name of the server could not be found (" + answer.Failed + ").");
         else
@@ -142,12 +144,12 @@ void HttpDownload::Inquire()
     });
 }
 
-void HttpDownload::Send(const HttpInquiry::Answer& answer)
+void HttpDownload::Send()
 {
     Tell(Connecting);
     Clock.start();
-    BehindProxy = answer.Via.Kind != Ftp::Proxy::None;
-    Manager.setProxy(ProxyOf(answer.Via));
+    Doubtful.reset();
+    Manager.setProxy(ProxyOf(Road));
     QNetworkRequest request(Url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
@@ -155,7 +157,7 @@ void HttpDownload::Send(const HttpInquiry::Answer& answer)
     // The bytes are wanted as they are, not as something to be unpacked.
     request.setRawHeader("Accept-Encoding", "identity");
     Reply = Manager.get(request);
-    if (!IsEmulated(answer.Via, Url)) Reply->setReadBufferSize(BufferSize);
+    if (!IsEmulated(Road, Url)) Reply->setReadBufferSize(BufferSize);
     connect(Reply, &QNetworkReply::encrypted, this, [this] {
         Tell(Connected);
         Clock.start();
@@ -164,7 +166,7 @@ void HttpDownload::Send(const HttpInquiry::Answer& answer)
         Tell(ReceivingResponse);
         Clock.start();
     });
-    connect(Reply, &QNetworkReply::sslErrors, this, &HttpDownload::NoteCertificate);
+    connect(Reply, &QNetworkReply::sslErrors, this, &HttpDownload::CheckCertificate);
     connect(Reply, &QNetworkReply::metaDataChanged, this, [this] { Try([this] { TakeHead(); }); });
     connect(Reply, &QNetworkReply::readyRead, this, [this] { Try([this] { TakeData(); }); });
     connect(Reply, &QNetworkReply::finished, this, [this] { Try([this] { TakeEnd(); }); });
@@ -218,6 +220,7 @@ void HttpDownload::FollowRedirect(const QByteArray& location)
         return;
     }
     DropReply();
+    if (!IsSameOrigin(Url, *next)) Accepted.clear();
     Url = *next;
     Inquire();
 }
@@ -274,16 +277,51 @@ void HttpDownload::Authenticate(QAuthenticator* authenticator)
     authenticator->setPassword(Wanted.Password);
 }
 
-void HttpDownload::NoteCertificate(const QList<QSslError>& errors)
+// Called while the handshake stands still. Nothing is asked here, for the server would lose patience: the connection is
+// given up, and after a yes there is a new one, for this certificate alone.
+void HttpDownload::CheckCertificate(const QList<QSslError>& errors)
 {
-    if (errors.isEmpty()) return;
-    CertificateTrouble = errors.first().errorString().toStdString();
-    while (!CertificateTrouble.empty() && CertificateTrouble.back() == '.') CertificateTrouble.pop_back();
+    if (!Reply) return;
+    Ftp::Certificate shown = ShownCertificate(Url, Reply->sslConfiguration().peerCertificate(), errors);
+    if (!shown.Fingerprint.empty() && shown.Fingerprint == Accepted)
+        Reply->ignoreSslErrors(errors);
+    else
+        Doubtful = std::move(shown);
+}
+
+// The time-out stands still until the answer.
+void HttpDownload::AskAboutCertificate()
+{
+    DropReply();
+    if (!Listener.Ask || Doubtful->Fingerprint.empty()) {
+        Answered(false);
+        return;
+    }
+    Clock.stop();
+    Asking = true;
+    Listener.Ask(*Doubtful);
+}
+
+void HttpDownload::Answer(bool accepted)
+{
+    if (Asking && !HasEnded) Answered(accepted);
+}
+
+void HttpDownload::Answered(bool accepted)
+{
+    Asking = false;
+    if (!accepted) {
+        const Ftp::Failure failure = Ftp::DistrustOf(*Doubtful);
+        Fail(failure.Code, failure.Text);
+        return;
+    }
+    Accepted = Doubtful->Fingerprint;
+    Send();
 }
 
 void HttpDownload::Tell(int state)
 {
-    while (Told < state && !HasEnded) State(++Told);
+    while (Told < state && !HasEnded) Listener.State(++Told);
 }
 
 void HttpDownload::Fail(int code, const std::string& sentence)
@@ -304,9 +342,9 @@ void HttpDownload::FailByError()
     const int status = Status();
     if (status >= 300) {
         FailByStatus();
-    } else if (!CertificateTrouble.empty()) {
-        Fail(SecurityError, "The server's certificate is not accepted: " + CertificateTrouble + ".");
-    } else if (BehindProxy && Told < RequestSent) {
+    } else if (Doubtful) {
+        AskAboutCertificate();
+    } else if (Road.Kind != Ftp::Proxy::None && Told < RequestSent) {
         End(ProxyFailureOf(Reply->error()));
     } else {
         End(FailureOf(Reply->error()));
@@ -319,7 +357,7 @@ void HttpDownload::End(Ftp::Outcome outcome)
     Silence();
     outcome.Text = Ftp::Without(Wanted.Password.toStdString(), outcome.Text);
     outcome.Text = Ftp::Without(Wanted.Via.Password, outcome.Text);
-    Ended(std::move(outcome));
+    Listener.Ended(std::move(outcome));
 }
 
 void HttpDownload::Silence()

@@ -461,8 +461,13 @@ void TransferComponent::Judge(quint64 command, unsigned question, const Doubtful
     if (!Executing || command != Number) return;
     const QPointer<TransferComponent> self(this);
     const CertificateJudge trusts = Trusts;
+    const bool overHttp = OverHttp;
     const bool accepted = trusts && trusts(certificate);
-    if (self) Thread->Answer(question, accepted);
+    if (!self) return;
+    if (overHttp)
+        Web->Answer(question, accepted);
+    else
+        Thread->Answer(question, accepted);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)
