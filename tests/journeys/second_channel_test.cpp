@@ -1,4 +1,3 @@
-#include "support/http_server.h"
 #include "support/real_program.h"
 #include "support/real_servers.h"
 #include "support/test_files.h"
@@ -16,8 +15,6 @@ private slots:
     void AMissingFileIsReportedAndWritesNothing();
     void ADyingServerLeavesTheOldFile();
     void MessagesComeFromAServer();
-    void ACertificateIsAskedAboutOnceAndRemembered();
-    void ACertificateThatIsRefusedWritesNothing();
 
 private:
     static QString FullAddress(const RealServer& server, const QString& path);
@@ -137,52 +134,6 @@ void SecondChannelTest::MessagesComeFromAServer()
     auto& label = program.Control<QLabel>("lblAds");
     QTRY_COMPARE_WITH_TIMEOUT(label.text(), QString("Tolvane 3.3 is here"), 60'000);
     QTRY_COMPARE_WITH_TIMEOUT(label.text(), QString("Grüß Gott"), 60'000);
-    program.Close();
-}
-
-void SecondChannelTest::ACertificateIsAskedAboutOnceAndRemembered()
-{
-    HttpServer server(HttpCertificate::For("127.0.0.1"));
-    server.Answers["/pub/further.bin"] = {HttpServer::Whole("200 OK", Pattern(300'000, 7))};
-    const QString place = QString("127.0.0.1 (port %1)").arg(server.Port());
-    RealProgram program;
-    program.Open();
-    program.Control<QAction>("mnuCommand").trigger();
-    program.Questions.Answers = {Answer::Yes};
-    Download(program, server.Url("/pub/further.bin"));
-    QTRY_COMPARE_WITH_TIMEOUT(Names(program), QStringList{"further.bin"}, 30'000);
-    QTRY_COMPARE(Said(program), QString("Waiting..."));
-    QVERIFY(Read(program.Local.filePath("further.bin")) == Pattern(300'000, 7));
-    QCOMPARE(program.Questions.Questions.size(), 1U);
-    QVERIFY(program.Questions.Questions.front().Text.startsWith("The certificate of " + place + " is not trusted: "));
-
-    program.Close();
-    QVERIFY(QFile::remove(program.Local.filePath("further.bin")));
-    program.Open();
-    program.Control<QAction>("mnuCommand").trigger();
-    Download(program, server.Url("/pub/further.bin"));
-    QTRY_COMPARE_WITH_TIMEOUT(Names(program), QStringList{"further.bin"}, 30'000);
-    QTRY_COMPARE(Said(program), QString("Waiting..."));
-    QCOMPARE(program.Questions.Questions.size(), 1U);
-    program.Close();
-}
-
-void SecondChannelTest::ACertificateThatIsRefusedWritesNothing()
-{
-    HttpServer server(HttpCertificate::For("127.0.0.1"));
-    server.Answers["/further.bin"] = {HttpServer::Whole("200 OK", "text")};
-    RealProgram program;
-    program.Open();
-    program.Control<QAction>("mnuCommand").trigger();
-    Write(program.Local.filePath("further.bin"), "old");
-    program.Questions.Answers = {Answer::No};
-    Download(program, server.Url("/further.bin"));
-    QTRY_VERIFY_WITH_TIMEOUT(Said(program).startsWith("Error! "), 30'000);
-    QTRY_VERIFY(program.Log().last().contains("The server's certificate is not trusted: it is signed by nobody but "));
-    QCOMPARE(program.Questions.Questions.size(), 1U);
-    QCOMPARE(Read(program.Local.filePath("further.bin")), QByteArray("old"));
-    QCOMPARE(Names(program), QStringList{"further.bin"});
-    QCOMPARE(server.Requests.size(), 0);
     program.Close();
 }
 
