@@ -10,6 +10,7 @@
 #include <QSslConfiguration>
 #include <QSslError>
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
@@ -40,6 +41,29 @@ bool IsRedirect(int status)
 {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
+
+/// The time of the real world, for a thread of the toolkit.
+class LoopClock final : public Ftp::Clock {
+public:
+    Ftp::Milliseconds Now() const override
+    {
+        return std::chrono::duration_cast<Ftp::Milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+    }
+
+    std::unique_ptr<Alarm> After(Ftp::Milliseconds delay, std::function<void()> call) override
+    {
+        auto alarm = std::make_unique<Ringing>();
+        QObject::connect(&alarm->Timer, &QTimer::timeout, &alarm->Timer, std::move(call));
+        alarm->Timer.setSingleShot(true);
+        alarm->Timer.start(delay);
+        return alarm;
+    }
+
+private:
+    struct Ringing final : Alarm {
+        QTimer Timer;
+    };
+};
 
 QNetworkProxy ProxyOf(const Ftp::Proxy& via)
 {
@@ -97,7 +121,7 @@ Ftp::Outcome ProxyFailureOf(QNetworkReply::NetworkError error)
 }  // namespace
 
 HttpDownload::HttpDownload(HttpRequest request, HttpObserver observer)
-    : Wanted(std::move(request)), Listener(std::move(observer)), Url(Wanted.Url)
+    : Wanted(std::move(request)), Listener(std::move(observer)), Time(std::make_unique<LoopClock>()), Url(Wanted.Url)
 {
     if (Wanted.File.empty()) {
         auto memory = std::make_unique<Ftp::MemorySink>(MostInMemory);
@@ -203,6 +227,7 @@ void HttpDownload::TakeHead()
     else {
         Target->Open();
         Opened = true;
+        Meter.emplace(*Time, Listener.Progress, Announced());
     }
 }
 
@@ -233,7 +258,7 @@ void HttpDownload::TakeData()
         const QByteArray bytes = Reply->read(BufferSize);
         if (bytes.isEmpty()) return;
         Clock.start();
-        Size += bytes.size();
+        Meter->Add(static_cast<std::uint64_t>(bytes.size()));
         Target->Write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     }
 }
@@ -251,21 +276,30 @@ void HttpDownload::TakeEnd()
         return;
     }
     TakeData();
-    CheckWhole();
+    const bool confirmed = CheckWhole();
     Target->Keep();
     Tell(ResponseReceived);
     End({true, Status(), Reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString(),
-         Memory ? std::move(Memory->Bytes) : std::string()});
+         Memory ? std::move(Memory->Bytes) : std::string(), Ftp::Confirmation{Meter->Done(), confirmed}});
 }
 
-void HttpDownload::CheckWhole() const
+/// The bytes of the file, where the server has said it and it counts.
+std::optional<std::uint64_t> HttpDownload::Announced() const
 {
     bool given = false;
-    const qint64 announced = Reply->rawHeader("Content-Length").trimmed().toLongLong(&given);
-    if (!given || Reply->hasRawHeader("Transfer-Encoding") || Size == announced) return;
+    const qulonglong announced = Reply->rawHeader("Content-Length").trimmed().toULongLong(&given);
+    if (!given || Reply->hasRawHeader("Transfer-Encoding")) return std::nullopt;
+    return announced;
+}
+
+/// Whether the server has said how long the file is, and it is.
+bool HttpDownload::CheckWhole() const
+{
+    const std::optional<std::uint64_t> announced = Announced();
+    if (!announced || Meter->Done() == *announced) return announced.has_value();
     throw Ftp::Failure{Ftp::Failure::Protocol, Ftp::ResponseError,
-                       "The file arrived incomplete: " + std::to_string(Size) + " of " + std::to_string(announced) +
-                           " bytes."};
+                       "The file arrived incomplete: " + std::to_string(Meter->Done()) + " of " +
+                           std::to_string(*announced) + " bytes."};
 }
 
 // Asked for again, they were wrong; where a redirect has led they are none of anybody's business.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "inet/ftp/data_ends.h"
+#include "inet/ftp/progress.h"
 #include "inet/ftp/proxy_address.h"
 #include "inet/ftp/session.h"
 #include "inet/ftp/tls_certificate.h"
@@ -11,6 +12,7 @@
 #include <QObject>
 #include <QTimer>
 #include <QUrl>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -30,6 +32,7 @@ struct HttpRequest {
 /// What a download tells, on its own thread.
 struct HttpObserver {
     std::function<void(int)> State;  ///< the numbers of Inet::State, 1 to 8
+    Ftp::ProgressMeter::Listener Progress{};
     /// A certificate that is not trusted; the answer comes by HttpDownload::Answer. Nobody: it is refused.
     std::function<void(const Ftp::Certificate&)> Ask{};
     std::function<void(Ftp::Outcome)> Ended;
@@ -64,7 +67,8 @@ private:
     void FollowRedirect(const QByteArray& location);
     void TakeData();
     void TakeEnd();
-    void CheckWhole() const;
+    bool CheckWhole() const;
+    std::optional<std::uint64_t> Announced() const;
     void Authenticate(QAuthenticator* authenticator);
     void CheckCertificate(const QList<QSslError>& errors);
     void AskAboutCertificate();
@@ -86,6 +90,7 @@ private:
     std::unique_ptr<Ftp::Sink> Target;
     Ftp::MemorySink* Memory = nullptr;  ///< the same, when it is memory
     Ftp::Proxy Road;                    ///< of the request that runs; never System
+    std::unique_ptr<Ftp::Clock> Time;   ///< of the meter
     QUrl Url;                           ///< of the request that runs: the wanted one, or what it led to
     std::unique_ptr<HttpInquiry> Inquiry;
     QNetworkAccessManager Manager;
@@ -94,7 +99,7 @@ private:
     std::optional<Ftp::Certificate> Doubtful;  ///< shown by the server of the request that runs, and not accepted
     std::string Accepted;                      ///< fingerprint that the user has accepted for the host of Url
     bool Asking = false;                       ///< the user looks at Doubtful
-    qint64 Size = 0;                           ///< of what has come
+    std::optional<Ftp::ProgressMeter> Meter;   ///< of what has come, once it comes
     int Redirects = 0;
     int Told = 0;  ///< the highest state reported
     bool Opened = false;

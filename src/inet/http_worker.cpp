@@ -33,6 +33,7 @@ void HttpWorker::Shared::Start(const HttpRequest& request, const Worker::Listene
     const auto tell = [listener](Worker::News news) { listener(std::vector<Worker::News>(1, std::move(news))); };
     HttpObserver observer;
     observer.State = [tell](int number) { tell(number); };
+    observer.Progress = [tell](const Ftp::Progress& progress) { tell(progress); };
     observer.Ask = [this, tell](const Ftp::Certificate& shown) { tell(Worker::Question{++Questions, shown}); };
     observer.Ended = [this, listener](Ftp::Outcome outcome) { End(listener, std::move(outcome)); };
     Download = std::make_unique<HttpDownload>(request, std::move(observer));
