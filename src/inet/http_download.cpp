@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int MostRedirects = 10;
+constexpr int MostAttempts = 4;  // to connect, for one request
 constexpr qint64 BufferSize = qint64{1024} * 1024;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
 constexpr int ProxyAuthenticationRequired = 407;
@@ -173,15 +174,20 @@ void HttpDownload::Send()
     Tell(Connecting);
     Clock.start();
     Doubtful.reset();
+    Attempts = 0;
     Manager.setProxy(ProxyOf(Road));
     QNetworkRequest request(Url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    // Certificates know no dot at the end of a name.
+    const QString host = Url.host(QUrl::FullyEncoded);
+    if (host.endsWith(u'.')) request.setPeerVerifyName(host.chopped(1));
     request.setRawHeader("User-Agent", "Tolvane");
     // The bytes are wanted as they are, not as something to be unpacked.
     request.setRawHeader("Accept-Encoding", "identity");
     Reply = Manager.get(request);
     if (!IsEmulated(Road, Url)) Reply->setReadBufferSize(BufferSize);
+    connect(Reply, &QNetworkReply::socketStartedConnecting, this, &HttpDownload::NoteAttempt);
     connect(Reply, &QNetworkReply::encrypted, this, [this] {
         Tell(Connected);
         Clock.start();
@@ -194,6 +200,13 @@ void HttpDownload::Send()
     connect(Reply, &QNetworkReply::metaDataChanged, this, [this] { Try([this] { TakeHead(); }); });
     connect(Reply, &QNetworkReply::readyRead, this, [this] { Try([this] { TakeData(); }); });
     connect(Reply, &QNetworkReply::finished, this, [this] { Try([this] { TakeEnd(); }); });
+}
+
+// A proxy that hangs up would be called by the library again and again.
+void HttpDownload::NoteAttempt()
+{
+    if (HasEnded || ++Attempts <= MostAttempts || Road.Kind == Ftp::Proxy::None) return;
+    Fail(Ftp::ConnectError, "The proxy closed the connection.");
 }
 
 // What goes wrong in a step is told like everything else.

@@ -70,6 +70,7 @@ private:
     bool CheckWhole() const;
     std::optional<std::uint64_t> Announced() const;
     void Authenticate(QAuthenticator* authenticator);
+    void NoteAttempt();
     void CheckCertificate(const QList<QSslError>& errors);
     void AskAboutCertificate();
     void Answered(bool accepted);
@@ -101,7 +102,8 @@ private:
     bool Asking = false;                       ///< the user looks at Doubtful
     std::optional<Ftp::ProgressMeter> Meter;   ///< of what has come, once it comes
     int Redirects = 0;
-    int Told = 0;  ///< the highest state reported
+    int Attempts = 0;  ///< to connect, for the request that runs
+    int Told = 0;      ///< the highest state reported
     bool Opened = false;
     bool Identified = false;  ///< user and password have been given
     bool HasEnded = false;

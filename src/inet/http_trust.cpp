@@ -53,7 +53,7 @@ Ftp::Certificate ShownCertificate(const QUrl& url, const QSslCertificate& certif
     const auto* begin = reinterpret_cast<const unsigned char*>(bytes.constData());
     const HeldCertificate held(d2i_X509(nullptr, &begin, static_cast<long>(bytes.size())), &X509_free);
     Ftp::Certificate shown = held ? Ftp::FactsOf(held.get()) : Ftp::Certificate();
-    shown.Host = url.host().toStdString();
+    shown.Host = url.host(QUrl::FullyEncoded).toStdString();
     shown.Port = static_cast<std::uint16_t>(url.port(SecureHttpPort));
     for (const QSslError& one : errors) shown.Errors.push_back(ErrorOf(one.error()));
     if (shown.Errors.empty()) shown.Errors.push_back(X509_V_ERR_CERT_UNTRUSTED);

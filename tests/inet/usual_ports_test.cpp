@@ -3,13 +3,16 @@
 
 #include <QTest>
 
-/// Which port a session goes to: a proxy that leads nowhere is told.
+/// Which host and port a session goes to: a proxy that leads nowhere is told.
 class UsualPortsTest final : public QObject {
     Q_OBJECT
 
 private slots:
     void TheAddressDecidesWhereTheBoxDoesNot_data();
     void TheAddressDecidesWhereTheBoxDoesNot();
+    void OtherLettersAreEncoded_data();
+    void OtherLettersAreEncoded();
+    void ANameThatCannotBeEncodedIsAnError();
 };
 
 void UsualPortsTest::TheAddressDecidesWhereTheBoxDoesNot_data()
@@ -47,6 +50,41 @@ void UsualPortsTest::TheAddressDecidesWhereTheBoxDoesNot()
     QCOMPARE(downloads.Do("DIR").last(), int(Inet::Error));
     QCOMPARE(proxy.Requests.size(), 1);
     QCOMPARE(proxy.Requests.first().Line, QString("CONNECT files.test:%1 HTTP/1.1").arg(port).toLatin1());
+}
+
+void UsualPortsTest::OtherLettersAreEncoded_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QByteArray>("place");
+    QTest::newRow("plain") << QString::fromUtf8("ftp://grüße.test") << QByteArray("xn--gre-6ka8l.test:21");
+    QTest::newRow("secure") << QString::fromUtf8("ftps://GRÜSSE.test/pub") << QByteArray("xn--grsse-lva.test:990");
+    QTest::newRow("upgraded") << QString::fromUtf8("ftpes://例え.テスト:2121")
+                              << QByteArray("xn--r8jz45g.xn--zckzah:2121");
+    QTest::newRow("a dot at the end") << QString::fromUtf8("ftpes://grüße.test.")
+                                      << QByteArray("xn--gre-6ka8l.test.:21");
+}
+
+void UsualPortsTest::OtherLettersAreEncoded()
+{
+    QFETCH(QString, address);
+    QFETCH(QByteArray, place);
+    HttpServer proxy;
+    proxy.Respond = [](const auto&) { return HttpServer::Answer{HttpServer::Whole("403 No", "")}; };
+    Downloads downloads;
+    downloads.Component->SetAccessType(Inet::NamedProxy);
+    downloads.Component->SetProxy(QStringLiteral("127.0.0.1:%1").arg(proxy.Port()));
+    downloads.Component->SetURL(address);
+    QCOMPARE(downloads.Do("DIR").last(), int(Inet::Error));
+    QCOMPARE(proxy.Requests.size(), 1);
+    QCOMPARE(proxy.Requests.first().Path, place);
+}
+
+void UsualPortsTest::ANameThatCannotBeEncodedIsAnError()
+{
+    Downloads downloads;
+    downloads.Component->SetURL("ftp://" + QString(QChar(0xDCFF)) + ".test");
+    QCOMPARE(downloads.Do("DIR"), QList<int>{11});
+    QCOMPARE(downloads.Component->ResponseInfo(), QString("The address is not understood."));
 }
 
 QTEST_GUILESS_MAIN(UsualPortsTest)
