@@ -30,7 +30,7 @@ void HttpWorker::Shared::Start(const HttpRequest& request, const Worker::Listene
         const std::lock_guard guard(Lock);
         if (Abandoned) return;
     }
-    const auto tell = [listener](Worker::News news) { listener(std::vector<Worker::News>(1, std::move(news))); };
+    const auto tell = [listener](const Worker::News& news) { listener(std::vector<Worker::News>(1, news)); };
     HttpObserver observer;
     observer.State = [tell](int number) { tell(number); };
     observer.Progress = [tell](const Ftp::Progress& progress) { tell(progress); };

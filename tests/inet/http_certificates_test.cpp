@@ -28,7 +28,7 @@ private slots:
 
 private:
     /// Answers each question in turn, then with no.
-    void Judge(QList<bool> answers)
+    void Judge(const QList<bool>& answers)
     {
         Visit->Component->SetCertificateJudge([this, answers](const Inet::DoubtfulCertificate& shown) {
             Asked << shown;
