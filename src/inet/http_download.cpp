@@ -3,19 +3,22 @@
 #include "inet/ftp/failure.h"
 #include "inet/ftp/secret.h"
 #include "inet/http_address.h"
+#include "inet/http_trust.h"
 
 #include <QAuthenticator>
 #include <QNetworkProxy>
+#include <QSslConfiguration>
 #include <QSslError>
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
 
 constexpr int MostRedirects = 10;
+constexpr int MostAttempts = 4;  // to connect, for one request
 constexpr qint64 BufferSize = qint64{1024} * 1024;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
-constexpr int SecurityError = 12157;
 constexpr int ProxyAuthenticationRequired = 407;
 
 // The states that are reported, as the component numbers them.
@@ -39,6 +42,29 @@ bool IsRedirect(int status)
 {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
+
+/// The time of the real world, for a thread of the toolkit.
+class LoopClock final : public Ftp::Clock {
+public:
+    Ftp::Milliseconds Now() const override
+    {
+        return std::chrono::duration_cast<Ftp::Milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+    }
+
+    std::unique_ptr<Alarm> After(Ftp::Milliseconds delay, std::function<void()> call) override
+    {
+        auto alarm = std::make_unique<Ringing>();
+        QObject::connect(&alarm->Timer, &QTimer::timeout, &alarm->Timer, std::move(call));
+        alarm->Timer.setSingleShot(true);
+        alarm->Timer.start(delay);
+        return alarm;
+    }
+
+private:
+    struct Ringing final : Alarm {
+        QTimer Timer;
+    };
+};
 
 QNetworkProxy ProxyOf(const Ftp::Proxy& via)
 {
@@ -66,7 +92,7 @@ Ftp::Outcome FailureOf(QNetworkReply::NetworkError error)
     case QNetworkReply::TimeoutError:
         return {false, Ftp::TimeOutError, "The server did not answer in time.", {}};
     case QNetworkReply::SslHandshakeFailedError:
-        return {false, SecurityError, "A secure connection with the server could not be made.", {}};
+        return {false, Ftp::SecureChannelError, "A secure connection with the server could not be made.", {}};
     case QNetworkReply::ProtocolFailure:
     case QNetworkReply::ProtocolUnknownError:
         return {false, Ftp::ResponseError, "The server's answer was not understood.", {}};
@@ -95,8 +121,8 @@ Ftp::Outcome ProxyFailureOf(QNetworkReply::NetworkError error)
 
 }  // namespace
 
-HttpDownload::HttpDownload(HttpRequest request, std::function<void(int)> state, std::function<void(Ftp::Outcome)> ended)
-    : Wanted(std::move(request)), State(std::move(state)), Ended(std::move(ended)), Url(Wanted.Url)
+HttpDownload::HttpDownload(HttpRequest request, HttpObserver observer)
+    : Wanted(std::move(request)), Listener(std::move(observer)), Time(std::make_unique<LoopClock>()), Url(Wanted.Url)
 {
     if (Wanted.File.empty()) {
         auto memory = std::make_unique<Ftp::MemorySink>(MostInMemory);
@@ -133,8 +159,9 @@ void HttpDownload::Inquire()
     Clock.start();
     Inquiry = std::make_unique<HttpInquiry>(Url, Wanted.Via, [this](const HttpInquiry::Answer& answer) {
         if (HasEnded) return;
+        Road = answer.Via;
         if (answer.Failed.empty())
-            Send(answer);
+            Send();
         else if (answer.Via.Kind == Ftp::Proxy::None)
             Fail(Ftp::NameError, "The name of the server could not be found (" + answer.Failed + ").");
         else
@@ -142,20 +169,25 @@ void HttpDownload::Inquire()
     });
 }
 
-void HttpDownload::Send(const HttpInquiry::Answer& answer)
+void HttpDownload::Send()
 {
     Tell(Connecting);
     Clock.start();
-    BehindProxy = answer.Via.Kind != Ftp::Proxy::None;
-    Manager.setProxy(ProxyOf(answer.Via));
+    Doubtful.reset();
+    Attempts = 0;
+    Manager.setProxy(ProxyOf(Road));
     QNetworkRequest request(Url);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    // Certificates know no dot at the end of a name.
+    const QString host = Url.host(QUrl::FullyEncoded);
+    if (host.endsWith(u'.')) request.setPeerVerifyName(host.chopped(1));
     request.setRawHeader("User-Agent", "Tolvane");
     // The bytes are wanted as they are, not as something to be unpacked.
     request.setRawHeader("Accept-Encoding", "identity");
     Reply = Manager.get(request);
-    if (!IsEmulated(answer.Via, Url)) Reply->setReadBufferSize(BufferSize);
+    if (!IsEmulated(Road, Url)) Reply->setReadBufferSize(BufferSize);
+    connect(Reply, &QNetworkReply::socketStartedConnecting, this, &HttpDownload::NoteAttempt);
     connect(Reply, &QNetworkReply::encrypted, this, [this] {
         Tell(Connected);
         Clock.start();
@@ -164,10 +196,17 @@ void HttpDownload::Send(const HttpInquiry::Answer& answer)
         Tell(ReceivingResponse);
         Clock.start();
     });
-    connect(Reply, &QNetworkReply::sslErrors, this, &HttpDownload::NoteCertificate);
+    connect(Reply, &QNetworkReply::sslErrors, this, &HttpDownload::CheckCertificate);
     connect(Reply, &QNetworkReply::metaDataChanged, this, [this] { Try([this] { TakeHead(); }); });
     connect(Reply, &QNetworkReply::readyRead, this, [this] { Try([this] { TakeData(); }); });
     connect(Reply, &QNetworkReply::finished, this, [this] { Try([this] { TakeEnd(); }); });
+}
+
+// A proxy that hangs up would be called by the library again and again.
+void HttpDownload::NoteAttempt()
+{
+    if (HasEnded || ++Attempts <= MostAttempts || Road.Kind == Ftp::Proxy::None) return;
+    Fail(Ftp::ConnectError, "The proxy closed the connection.");
 }
 
 // What goes wrong in a step is told like everything else.
@@ -201,6 +240,7 @@ void HttpDownload::TakeHead()
     else {
         Target->Open();
         Opened = true;
+        Meter.emplace(*Time, Listener.Progress, Announced());
     }
 }
 
@@ -218,6 +258,7 @@ void HttpDownload::FollowRedirect(const QByteArray& location)
         return;
     }
     DropReply();
+    if (!IsSameOrigin(Url, *next)) Accepted.clear();
     Url = *next;
     Inquire();
 }
@@ -230,7 +271,7 @@ void HttpDownload::TakeData()
         const QByteArray bytes = Reply->read(BufferSize);
         if (bytes.isEmpty()) return;
         Clock.start();
-        Size += bytes.size();
+        Meter->Add(static_cast<std::uint64_t>(bytes.size()));
         Target->Write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     }
 }
@@ -248,21 +289,30 @@ void HttpDownload::TakeEnd()
         return;
     }
     TakeData();
-    CheckWhole();
+    const bool confirmed = CheckWhole();
     Target->Keep();
     Tell(ResponseReceived);
     End({true, Status(), Reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString(),
-         Memory ? std::move(Memory->Bytes) : std::string()});
+         Memory ? std::move(Memory->Bytes) : std::string(), Ftp::Confirmation{Meter->Done(), confirmed}});
 }
 
-void HttpDownload::CheckWhole() const
+/// The bytes of the file, where the server has said it and it counts.
+std::optional<std::uint64_t> HttpDownload::Announced() const
 {
     bool given = false;
-    const qint64 announced = Reply->rawHeader("Content-Length").trimmed().toLongLong(&given);
-    if (!given || Reply->hasRawHeader("Transfer-Encoding") || Size == announced) return;
+    const qulonglong announced = Reply->rawHeader("Content-Length").trimmed().toULongLong(&given);
+    if (!given || Reply->hasRawHeader("Transfer-Encoding")) return std::nullopt;
+    return announced;
+}
+
+/// Whether the server has said how long the file is, and it is.
+bool HttpDownload::CheckWhole() const
+{
+    const std::optional<std::uint64_t> announced = Announced();
+    if (!announced || Meter->Done() == *announced) return announced.has_value();
     throw Ftp::Failure{Ftp::Failure::Protocol, Ftp::ResponseError,
-                       "The file arrived incomplete: " + std::to_string(Size) + " of " + std::to_string(announced) +
-                           " bytes."};
+                       "The file arrived incomplete: " + std::to_string(Meter->Done()) + " of " +
+                           std::to_string(*announced) + " bytes."};
 }
 
 // Asked for again, they were wrong; where a redirect has led they are none of anybody's business.
@@ -274,16 +324,51 @@ void HttpDownload::Authenticate(QAuthenticator* authenticator)
     authenticator->setPassword(Wanted.Password);
 }
 
-void HttpDownload::NoteCertificate(const QList<QSslError>& errors)
+// Called while the handshake stands still. Nothing is asked here, for the server would lose patience: the connection is
+// given up, and after a yes there is a new one, for this certificate alone.
+void HttpDownload::CheckCertificate(const QList<QSslError>& errors)
 {
-    if (errors.isEmpty()) return;
-    CertificateTrouble = errors.first().errorString().toStdString();
-    while (!CertificateTrouble.empty() && CertificateTrouble.back() == '.') CertificateTrouble.pop_back();
+    if (!Reply) return;
+    Ftp::Certificate shown = ShownCertificate(Url, Reply->sslConfiguration().peerCertificate(), errors);
+    if (!shown.Fingerprint.empty() && shown.Fingerprint == Accepted)
+        Reply->ignoreSslErrors(errors);
+    else
+        Doubtful = std::move(shown);
+}
+
+// The time-out stands still until the answer.
+void HttpDownload::AskAboutCertificate()
+{
+    DropReply();
+    if (!Listener.Ask || Doubtful->Fingerprint.empty()) {
+        Answered(false);
+        return;
+    }
+    Clock.stop();
+    Asking = true;
+    Listener.Ask(*Doubtful);
+}
+
+void HttpDownload::Answer(bool accepted)
+{
+    if (Asking && !HasEnded) Answered(accepted);
+}
+
+void HttpDownload::Answered(bool accepted)
+{
+    Asking = false;
+    if (!accepted) {
+        const Ftp::Failure failure = Ftp::DistrustOf(*Doubtful);
+        Fail(failure.Code, failure.Text);
+        return;
+    }
+    Accepted = Doubtful->Fingerprint;
+    Send();
 }
 
 void HttpDownload::Tell(int state)
 {
-    while (Told < state && !HasEnded) State(++Told);
+    while (Told < state && !HasEnded) Listener.State(++Told);
 }
 
 void HttpDownload::Fail(int code, const std::string& sentence)
@@ -304,9 +389,9 @@ void HttpDownload::FailByError()
     const int status = Status();
     if (status >= 300) {
         FailByStatus();
-    } else if (!CertificateTrouble.empty()) {
-        Fail(SecurityError, "The server's certificate is not accepted: " + CertificateTrouble + ".");
-    } else if (BehindProxy && Told < RequestSent) {
+    } else if (Doubtful) {
+        AskAboutCertificate();
+    } else if (Road.Kind != Ftp::Proxy::None && Told < RequestSent) {
         End(ProxyFailureOf(Reply->error()));
     } else {
         End(FailureOf(Reply->error()));
@@ -319,7 +404,7 @@ void HttpDownload::End(Ftp::Outcome outcome)
     Silence();
     outcome.Text = Ftp::Without(Wanted.Password.toStdString(), outcome.Text);
     outcome.Text = Ftp::Without(Wanted.Via.Password, outcome.Text);
-    Ended(std::move(outcome));
+    Listener.Ended(std::move(outcome));
 }
 
 void HttpDownload::Silence()

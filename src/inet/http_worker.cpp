@@ -16,6 +16,7 @@ struct HttpWorker::Shared : std::enable_shared_from_this<HttpWorker::Shared> {
 
     QObject Loop;                            ///< lives on the thread
     std::unique_ptr<HttpDownload> Download;  ///< on the thread only
+    unsigned Questions = 0;                  ///< on the thread only: how many have been asked
 
     std::mutex Lock;
     std::condition_variable Changed;
@@ -29,9 +30,13 @@ void HttpWorker::Shared::Start(const HttpRequest& request, const Worker::Listene
         const std::lock_guard guard(Lock);
         if (Abandoned) return;
     }
-    const auto ended = [this, listener](Ftp::Outcome outcome) { End(listener, std::move(outcome)); };
-    const auto state = [listener](int number) { listener(std::vector<Worker::News>(1, number)); };
-    Download = std::make_unique<HttpDownload>(request, state, ended);
+    const auto tell = [listener](const Worker::News& news) { listener(std::vector<Worker::News>(1, news)); };
+    HttpObserver observer;
+    observer.State = [tell](int number) { tell(number); };
+    observer.Progress = [tell](const Ftp::Progress& progress) { tell(progress); };
+    observer.Ask = [this, tell](const Ftp::Certificate& shown) { tell(Worker::Question{++Questions, shown}); };
+    observer.Ended = [this, listener](Ftp::Outcome outcome) { End(listener, std::move(outcome)); };
+    Download = std::make_unique<HttpDownload>(request, std::move(observer));
     Download->Begin();
 }
 
@@ -107,6 +112,14 @@ void HttpWorker::Fetch(HttpRequest request, Worker::Listener listener)
         place->Start(request, listener);
     };
     QMetaObject::invokeMethod(&Place->Loop, start, Qt::QueuedConnection);
+}
+
+void HttpWorker::Answer(unsigned question, bool accepted)
+{
+    const auto answer = [place = Place, question, accepted] {
+        if (place->Download && question == place->Questions) place->Download->Answer(accepted);
+    };
+    QMetaObject::invokeMethod(&Place->Loop, answer, Qt::QueuedConnection);
 }
 
 bool HttpWorker::Cancel()

@@ -21,6 +21,9 @@ public:
     /// One at a time: the one before must have ended.
     void Fetch(HttpRequest request, Worker::Listener listener);
 
+    /// Answers the question of this number; nothing happens when nobody waits for it any more.
+    void Answer(unsigned question, bool accepted);
+
     /// Ends the running download and returns when it has ended; its Ended is called all the same. Returns whether a
     /// connection was open.
     bool Cancel();

@@ -8,6 +8,7 @@
 #include "inet/http_address.h"
 
 #include <QPointer>
+#include <QUrl>
 #include <algorithm>
 #include <map>
 #include <string>
@@ -92,6 +93,17 @@ Ftp::Operation OperationOf(const QString& text)
     throw Impossible{::Ftp::OperationError, "The command is not understood: " + text};
 }
 
+/// The name of a host as look-ups and certificates know it: other letters than those of ASCII in their encoded form
+/// (RFC 5891), which also shows what a name that looks like another really is.
+std::string HostOf(const std::string& host)
+{
+    const auto isAscii = [](char one) { return static_cast<unsigned char>(one) < 0x80; };
+    if (std::all_of(host.begin(), host.end(), isAscii)) return host;
+    const QByteArray encoded = QUrl::toAce(TextOf(host));
+    if (encoded.isEmpty()) throw Impossible{::Ftp::AddressError, "The address is not understood."};
+    return encoded.toStdString();
+}
+
 std::filesystem::path CurrentFolder()
 {
     std::error_code error;
@@ -135,7 +147,7 @@ Ftp::Target TransferComponent::Properties::TargetOf(const QString& url) const
         throw Impossible{::Ftp::SchemeError, "Addresses of this kind cannot be used here; ftp:// ones can."};
     ::Ftp::Target target;
     target.Safety = protection->second;
-    target.Host = address->Host;
+    target.Host = HostOf(address->Host);
     const bool addressDecides = RemotePort == 0 || RemotePort == FtpPort;
     const int usual = target.Safety == ::Ftp::Protection::FromStart ? SecureFtpPort : FtpPort;
     const int chosen = address->Port != 0 ? address->Port : usual;
@@ -461,8 +473,13 @@ void TransferComponent::Judge(quint64 command, unsigned question, const Doubtful
     if (!Executing || command != Number) return;
     const QPointer<TransferComponent> self(this);
     const CertificateJudge trusts = Trusts;
+    const bool overHttp = OverHttp;
     const bool accepted = trusts && trusts(certificate);
-    if (self) Thread->Answer(question, accepted);
+    if (!self) return;
+    if (overHttp)
+        Web->Answer(question, accepted);
+    else
+        Thread->Answer(question, accepted);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)

@@ -2,6 +2,8 @@
 #include "support/http_server.h"
 
 #include <QEventLoop>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QTimer>
 
@@ -38,6 +40,9 @@ private slots:
     void AServerThatIsNotThereIsAnError();
     void AHostThatIsNotThereIsAnError();
     void MemoryDoesNotGrowWithTheFile();
+    void ProgressIsTold_data();
+    void ProgressIsTold();
+    void ASizeThatWasAnnouncedIsConfirmed();
 
     void CancelEndsItInEveryState_data();
     void CancelEndsItInEveryState();
@@ -357,7 +362,7 @@ void HttpDownloadTest::AnEndlessHeaderIsAnError()
     const Inet::Download got = downloads.Fetch(server.Url("/x"));
     QVERIFY(!got.Arrived);
     QVERIFY2(got.Code >= 12000, qPrintable(got.Info));
-    QVERIFY2(server.Sent < 64 * 1024 * 1024, qPrintable(QString::number(server.Sent)));
+    QVERIFY2(server.Sent < qint64{64} * 1024 * 1024, qPrintable(QString::number(server.Sent)));
     downloads.Leave();
 }
 
@@ -414,6 +419,75 @@ qint64 MemoryInUse()
 }
 
 }  // namespace
+
+void HttpDownloadTest::ProgressIsTold_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<qint64>("expected");
+    QTest::newRow("length known") << QByteArray("Content-Length: 1000000\r\n") << qint64{1'000'000};
+    QTest::newRow("length unknown") << QByteArray() << qint64{-1};
+}
+
+// The server holds the rest back until there were three reports.
+void HttpDownloadTest::ProgressIsTold()
+{
+    QFETCH(QByteArray, header);
+    QFETCH(qint64, expected);
+    Downloads downloads;
+    QList<Inet::Progress> told;
+    connect(downloads.Component.get(), &Inet::Progressed, this, [&](const Inet::Progress& one) { told << one; });
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    qsizetype left = 1'000'000;
+    QTimer beat;
+    connect(&server, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket* socket = server.nextPendingConnection();
+        connect(socket, &QTcpSocket::readyRead, socket, [&, socket] {
+            socket->readAll();
+            socket->write("HTTP/1.1 200 OK\r\n" + header + "\r\n");
+            beat.start(10);
+        });
+        connect(&beat, &QTimer::timeout, socket, [&, socket] {
+            const qsizetype piece = told.size() < 3 ? std::min(left, qsizetype{100}) : left;
+            left -= piece;
+            socket->write(QByteArray(piece, 'x'));
+            if (left > 0) return;
+            beat.stop();
+            socket->disconnectFromHost();
+        });
+    });
+    const Inet::Download got = downloads.Fetch(QStringLiteral("http://127.0.0.1:%1/x").arg(server.serverPort()));
+    QVERIFY2(got.Arrived, qPrintable(got.Info));
+    QCOMPARE(got.Size, 1'000'000);
+    QVERIFY(told.size() >= 3);
+    qint64 before = 0;
+    for (const Inet::Progress& one : told) {
+        QVERIFY(one.Done > before);
+        QCOMPARE(one.Expected, expected);
+        QVERIFY(one.Rate > 0);
+        before = one.Done;
+    }
+}
+
+void HttpDownloadTest::ASizeThatWasAnnouncedIsConfirmed()
+{
+    HttpServer server;
+    Downloads downloads;
+    QList<Inet::Confirmation> told;
+    connect(downloads.Component.get(), &Inet::Transferred, this, [&](const Inet::Confirmation& one) { told << one; });
+    server.Answers["/announced"] = {HttpServer::Whole("200 OK", Sample())};
+    server.Answers["/not"] = {"HTTP/1.1 200 OK\r\n\r\n" + Sample(), HttpServer::Answer::Close};
+    server.Answers["/short"] = {"HTTP/1.1 200 OK\r\nContent-Length: 999999\r\n\r\n" + Sample(),
+                                HttpServer::Answer::Close};
+    QVERIFY(downloads.Fetch(server.Url("/announced")).Arrived);
+    QVERIFY(downloads.Fetch(server.Url("/not")).Arrived);
+    QVERIFY(!downloads.Fetch(server.Url("/short")).Arrived);
+    QCOMPARE(told.size(), 2);
+    QCOMPARE(told[0].Bytes, Sample().size());
+    QVERIFY(told[0].BySize);
+    QCOMPARE(told[1].Bytes, Sample().size());
+    QVERIFY(!told[1].BySize);
+}
 
 void HttpDownloadTest::MemoryDoesNotGrowWithTheFile()
 {

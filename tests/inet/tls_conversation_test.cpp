@@ -20,6 +20,7 @@ private slots:
     void NothingOlderThanTls12IsSpoken();
     void TheServerIsToldItsName();
     void ANumberIsNoName();
+    void TheDotAtTheEndIsNoPartOfTheName();
 
     void ARefusedUpgradeIsAnErrorBeforeUser_data();
     void ARefusedUpgradeIsAnErrorBeforeUser();
@@ -187,6 +188,15 @@ void TlsConversationTest::ANumberIsNoName()
     talk.Server.Play("-- certificate numbered\n" + Secured + StillThere);
     QVERIFY_GOOD(talk.Do("PWD"));
     QCOMPARE(talk.Tls.ServerName, std::string());
+}
+
+void TlsConversationTest::TheDotAtTheEndIsNoPartOfTheName()
+{
+    SecureTalk talk(*Certificates);
+    talk.Where.Host = "server.test.";
+    talk.Server.Play(Secured + StillThere);
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QCOMPARE(talk.Tls.ServerName, std::string("server.test"));
 }
 
 void TlsConversationTest::ARefusedUpgradeIsAnErrorBeforeUser_data()

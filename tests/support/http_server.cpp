@@ -13,17 +13,21 @@
 HttpServer::HttpServer(const std::optional<HttpCertificate>& certificate) : IsSecure(certificate.has_value())
 {
     if (certificate) {
-        auto secure = std::make_unique<QSslServer>();
-        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setLocalCertificate(certificate->Certificate);
-        configuration.setPrivateKey(certificate->Key);
-        secure->setSslConfiguration(configuration);
-        Listener = std::move(secure);
+        Listener = std::make_unique<QSslServer>();
+        Show(*certificate);
     } else {
         Listener = std::make_unique<QTcpServer>();
     }
     connect(Listener.get(), &QTcpServer::pendingConnectionAvailable, this, &HttpServer::Greet);
     if (!Listener->listen(QHostAddress::LocalHost)) qFatal("no port to listen on");
+}
+
+void HttpServer::Show(const HttpCertificate& certificate)
+{
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(certificate.Certificate);
+    configuration.setPrivateKey(certificate.Key);
+    static_cast<QSslServer&>(*Listener).setSslConfiguration(configuration);
 }
 
 HttpServer::~HttpServer()

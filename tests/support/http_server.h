@@ -36,6 +36,9 @@ public:
     explicit HttpServer(const std::optional<HttpCertificate>& certificate = {});
     ~HttpServer() override;
 
+    /// Shows this certificate from the next connection on.
+    void Show(const HttpCertificate& certificate);
+
     int Port() const { return Listener->serverPort(); }
 
     /// http://127.0.0.1:port, or https, and what is behind it.

@@ -43,6 +43,7 @@ public:
         Surroundings around;
         around.ProgramFolder = Home.path();
         Inets.clear();
+        Questions.Ended = false;
         around.MakeInet = [this] {
             auto inet = std::make_unique<TransferComponent>();
             Inets.push_back(inet.get());

@@ -25,6 +25,7 @@ import getpass
 import json
 import os
 import pathlib
+import shutil
 import signal
 import socket
 import ssl
@@ -85,6 +86,20 @@ class Certificates:
 
     def openssl(self, *arguments):
         subprocess.run(["openssl", *arguments], cwd=self.folder, check=True, capture_output=True)
+
+
+class SelfSigned(Certificates):
+    """A certificate that nobody vouches for; made anew by each make()."""
+
+    def make(self):
+        self.openssl("req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "3650", "-subj", "/CN=localhost",
+                     "-addext", "subjectAltName=DNS:localhost,IP:127.0.0.1,IP:::1",
+                     "-keyout", "new.key", "-out", "new.pem")
+        (self.folder / "new.key").rename(self.key)
+        (self.folder / "new.pem").rename(self.certificate)
+        shutil.copy(self.certificate, self.authority)
+        self.both.write_text(self.key.read_text() + self.certificate.read_text())
+        self.both.chmod(0o600)
 
 
 class Tls:
@@ -330,17 +345,29 @@ def kill_all():
             return
 
 
+def run(plan):
+    """True when the server accepts connections; what it says lies in the file "output" of its folder."""
+    with open(plan.work / "output", "wb") as output:
+        process = subprocess.Popen([str(part) for part in plan.command], env=plan.environment, cwd=plan.work,
+                                   stdin=subprocess.DEVNULL, stdout=output, stderr=output,
+                                   preexec_fn=die_with_parent)
+    return accepts(plan.address, plan.port, process, plan.tls)
+
+
+def renew(plan):
+    """The same server once more, with another certificate."""
+    plan.tls.certificates.make()
+    kill_all()
+    print("renewed" if run(plan) else "failed", flush=True)
+
+
 def start(kind, servers, work, folder, address, tls):
     last = ""
     for attempt in range(5):  # another program may take the port between the choice and the server's start
         place = work / str(attempt)
         place.mkdir()
         plan = Plan(kind, servers, place, folder, address, free_port(address), tls)
-        with open(place / "output", "wb") as output:
-            process = subprocess.Popen([str(part) for part in plan.command], env=plan.environment, cwd=place,
-                                       stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                       preexec_fn=die_with_parent)
-        if accepts(address, plan.port, process, tls):
+        if run(plan):
             return plan
         kill_all()
         last = (place / "output").read_text(errors="replace").strip().splitlines()[-3:]
@@ -355,14 +382,16 @@ def main():
     parser.add_argument("--servers", default=default_cache(), type=pathlib.Path)
     parser.add_argument("--tls", choices=("explicit", "implicit"))
     parser.add_argument("--tls-version", choices=("1.2", "1.3"))
+    parser.add_argument("--self-signed", action="store_true", help="a certificate of its own, renewed by \"renew\"")
     options = parser.parse_args()
-    tls = None
-    if options.tls:
-        tls = Tls(options.tls == "implicit", options.tls_version, Certificates(options.servers.parent))
     prctl(PR_SET_CHILD_SUBREAPER, 1)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
     signal.signal(signal.SIGINT, signal.SIG_IGN)
     with tempfile.TemporaryDirectory(prefix="ftp-server-") as work:
+        tls = None
+        if options.tls:
+            made = SelfSigned(pathlib.Path(work)) if options.self_signed else Certificates(options.servers.parent)
+            tls = Tls(options.tls == "implicit", options.tls_version, made)
         try:
             plan = start(options.kind, options.servers, pathlib.Path(work), options.folder.resolve(), options.address,
                          tls)
@@ -374,6 +403,8 @@ def main():
                 if line.strip() == "kill":
                     kill_all()
                     print("killed", flush=True)
+                if line.strip() == "renew":
+                    renew(plan)
         finally:
             kill_all()
 

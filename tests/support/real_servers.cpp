@@ -49,7 +49,8 @@ RealServer::RealServer(Kind kind, const QString& address, Security security, con
     : Address(address), Safety(security)
 {
     QStringList options;
-    if (security != Plain) options << QStringLiteral("--tls") << (security == ExplicitTls ? "explicit" : "implicit");
+    if (security != Plain) options << QStringLiteral("--tls") << (security == ImplicitTls ? "implicit" : "explicit");
+    if (security == SelfSignedTls) options << QStringLiteral("--self-signed");
     if (!version.isEmpty()) options << QStringLiteral("--tls-version") << version;
     StartKeeper(NameOf(kind), options);
     if (!Trouble.isEmpty()) return;
@@ -105,8 +106,14 @@ RealServer::~RealServer()
 QString RealServer::Url() const
 {
     const QString host = Address.contains(u':') ? u'[' + Address + u']' : Address;
-    const QString scheme = Safety == Plain ? "ftp" : Safety == ExplicitTls ? "ftpes" : "ftps";
+    const QString scheme = Safety == Plain ? "ftp" : Safety == ImplicitTls ? "ftps" : "ftpes";
     return QStringLiteral("%1://%2:%3").arg(scheme, host).arg(PortNumber);
+}
+
+void RealServer::RenewCertificate()
+{
+    Keeper->write("renew\n");
+    if (ReadLine() != "renewed\n") Trouble = QStringLiteral("The certificate could not be renewed.");
 }
 
 void RealServer::Kill()

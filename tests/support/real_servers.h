@@ -18,7 +18,8 @@ public:
     static QString NameOf(Kind kind);
 
     /// How the server is secured; with Tls it takes nothing else, and demands resumption where it knows how to.
-    enum Security { Plain, ExplicitTls, ImplicitTls };
+    /// SelfSignedTls is explicit, with a certificate that nobody vouches for.
+    enum Security { Plain, ExplicitTls, ImplicitTls, SelfSignedTls };
 
     /// `address` is 127.0.0.1 or ::1; `version` is 1.2 or 1.3, empty: both.
     explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"), Security security = Plain,
@@ -45,6 +46,9 @@ public:
 
     /// Where a log-in begins, as a path on this computer.
     QString Folder() const { return Files.path(); }
+
+    /// Ends a self-signed server with all its sessions, and starts it anew at the same place with another certificate.
+    void RenewCertificate();
 
     /// Ends the server and all its sessions at once, as a crash would.
     void Kill();
