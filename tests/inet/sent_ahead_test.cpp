@@ -162,7 +162,7 @@ void SentAheadTest::AServerThatThrowsLinesAwayGetsThemOneAtATime()
     // It reads the password, and nothing that came in the same packet.
     StrictConversation talk(LogIn + "-- gone\n" + LogIn + Passive(4001) + Data("LIST"));
     QVERIFY_GOOD(talk.Do("DIR"));
-    QCOMPARE(talk.LastDuration.count(), (Conversation::Limit / 2).count());
+    QCOMPARE(talk.LastDuration.count(), (Conversation::Limit / 4).count());
     QVERIFY_FOLLOWED(talk);
 }
 
