@@ -318,7 +318,7 @@ bool ScriptedServer::Command(const std::string& wanted)
     const std::string got = Control->ToServer.substr(0, end);
     Control->ToServer.erase(0, end + 2);
     Read[Control.get()] += end + 2;
-    if (wanted == "*" || got == wanted) return true;
+    if (got == wanted || (wanted.ends_with('*') && got.starts_with(wanted.substr(0, wanted.size() - 1)))) return true;
     if (!Strict && got.starts_with("SIZE ")) {
         SendControl("550 I know no sizes\r\n");
         return Command(wanted);

@@ -23,7 +23,7 @@ struct Disturbance {
 ///
 ///     S: 220 ready          it sends a line (CR LF is added)
 ///     S+ 220-par            it sends bytes as they are
-///     C: USER ann           it waits for exactly this command; C: * takes any
+///     C: USER ann           it waits for exactly this command; C: PWD * any that begins so
 ///     D: some bytes         it sends on the data connection
 ///     U: some bytes         it waits until the client has sent exactly this on the data connection, and its end
 ///     -- take 10            it reads so many bytes from the data connection as they come; U: tells what follows

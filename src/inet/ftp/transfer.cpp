@@ -81,7 +81,7 @@ void Transfer::Note(const Reply& reply)
 // Without a word from the server and without a byte of data there is nothing to wait for any more.
 void Transfer::NoteEnd()
 {
-    if (!Begun && First.Code == 0 && Final.Code == 0) Data->Abort();
+    if (Arriving || (!Begun && First.Code == 0 && Final.Code == 0)) Data->Abort();
 }
 
 // The server agrees with a preliminary reply, or by an early final one.
@@ -145,6 +145,7 @@ Task<> Transfer::WaitForArrival()
     const Guard guard(Use.Why, Use.Time, *Data, Use.InboundLimit);
     Arriving = true;
     if (Final.Code != 0) EndLingerSoon();
+    if (!Control.IsAlive()) Data->Abort();
     co_await Use.Inbound->Arrive();
     Arriving = false;
     LingerEnds.reset();
