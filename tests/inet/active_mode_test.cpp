@@ -412,8 +412,8 @@ void ActiveModeTest::ASingleFileFindsItsWay()
     QVERIFY_GOOD(got);
     QCOMPARE(got.Reply, std::string("data"));
 
-    Conversation other(LogIn + Binary + Offer + "C: RETR kept\n-- gone\n" + LogIn + Binary + Passive + "C: RETR kept\n" +
-                       Fetched);
+    Conversation other(LogIn + Binary + Offer + "C: RETR kept\n-- gone\n" + LogIn + Binary + Passive +
+                       "C: RETR kept\n" + Fetched);
     other.Book->Note("server.test", ScriptedServer::Port, Ftp::DataWay::Active);
     QVERIFY_GOOD(other.Fetch("kept"));
     QCOMPARE(other.LastDuration.count(), (Conversation::Limit / 3).count());

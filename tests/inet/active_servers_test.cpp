@@ -1,6 +1,5 @@
-#include "support/all_servers_test.h"
-
 #include "inet/ftp/data_way.h"
+#include "support/all_servers_test.h"
 
 #include <QFile>
 
@@ -11,7 +10,9 @@ class ActiveServersTest : public QObject {
 private slots:
     void FilesAndListingsComeAndGo_data();
     void FilesAndListingsComeAndGo();
+
     void ManySmallFilesComeAndGo_data() { FilesAndListingsComeAndGo_data(); }
+
     void ManySmallFilesComeAndGo();
 
 private:
@@ -111,7 +112,8 @@ void ActiveServersTest::FilesAndListingsComeAndGo()
     const QString offer = address.contains(u':') ? "EPRT" : "PORT";
     place.Enter();
     QVERIFY_GOOD(place.Do("DIR"));
-    QCOMPARE(Asked(place.Server), (offer == "PORT" ? QStringList{"EPSV", "PASV", "PORT"} : QStringList{"EPSV", "EPRT"}));
+    QCOMPARE(Asked(place.Server),
+             (offer == "PORT" ? QStringList{"EPSV", "PASV", "PORT"} : QStringList{"EPSV", "EPRT"}));
     for (const qsizetype size : Sizes) {
         const QByteArray bytes = Noise(size);
         const QString local = place.Here.filePath("out");

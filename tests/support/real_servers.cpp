@@ -47,8 +47,7 @@ QString RealServer::NameOf(Kind kind)
     return {};
 }
 
-RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version,
-                       Ports ports)
+RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version, Ports ports)
     : Address(address), Safety(security)
 {
     QStringList options;

@@ -44,10 +44,9 @@ struct Disturbance {
 ///     -- silence            it does nothing any more
 ///
 /// \r \n \t \0 \\ and \xHH stand for bytes. A question for a size that the script does not wait for is answered with
-/// "I know no sizes", so that a client may ask where it likes, and one to connect to the client with "I call nobody", as
-/// most servers that anybody can reach would; SetStrict ends both. A control connection is accepted
-/// where the script needs one. What the client sends against the script makes the server hang up; Complaint tells
-/// where.
+/// "I know no sizes", so that a client may ask where it likes, and one to connect to the client with "I call nobody",
+/// as most servers that anybody can reach would; SetStrict ends both. A control connection is accepted where the script
+/// needs one. What the client sends against the script makes the server hang up; Complaint tells where.
 class ScriptedServer final : public MemoryServer {
 public:
     static constexpr int Port = 21;
@@ -100,6 +99,7 @@ public:
         Extra;
 
     Answer Accept(std::shared_ptr<MemoryLink> link) override;
+
     void Listening(std::shared_ptr<MemoryDoor> door) override { Door = std::move(door); }
 
     /// Those that were turned away.

@@ -33,7 +33,8 @@ std::string ServerOf(std::string host, std::uint16_t port)
 
 std::optional<std::uint16_t> PortIn(const std::string& word)
 {
-    const bool isNumber = !word.empty() && word.size() <= 5 && word.find_first_not_of("0123456789") == std::string::npos;
+    const bool isNumber =
+        !word.empty() && word.size() <= 5 && word.find_first_not_of("0123456789") == std::string::npos;
     const int port = isNumber ? std::stoi(word) : 0;
     return port > 0 && port <= 65535 ? std::optional(static_cast<std::uint16_t>(port)) : std::nullopt;
 }
@@ -45,7 +46,8 @@ DataWay DataWayBook::Find(const std::string& host, std::uint16_t port)
     const std::lock_guard guard(Lock);
     if (!Loaded) Load();
     const std::string server = ServerOf(host, port);
-    const auto known = std::find_if(Entries.begin(), Entries.end(), [&](const Entry& one) { return one.Server == server; });
+    const auto known =
+        std::find_if(Entries.begin(), Entries.end(), [&](const Entry& one) { return one.Server == server; });
     return known == Entries.end() ? DataWay::Extended : known->Way;
 }
 
@@ -82,7 +84,8 @@ void DataWayBook::Load()
         const std::optional<std::uint16_t> port = PortIn(number);
         const std::string server = port ? ServerOf(host, *port) : std::string();
         if (server.empty() || !more.empty() || (word != PassiveWord && word != ActiveWord)) continue;
-        const bool known = std::any_of(Entries.begin(), Entries.end(), [&](const Entry& one) { return one.Server == server; });
+        const bool known =
+            std::any_of(Entries.begin(), Entries.end(), [&](const Entry& one) { return one.Server == server; });
         if (!known) Entries.push_back({server, word == PassiveWord ? DataWay::Passive : DataWay::Active});
     }
 }
@@ -102,7 +105,8 @@ void DataWayBook::Save() const
     }
     // Where somebody goes is nobody else's business.
     std::error_code ignored;
-    std::filesystem::permissions(File, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
+    std::filesystem::permissions(File, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
+                                 ignored);
 }
 
 }  // namespace Ftp

@@ -28,6 +28,7 @@ public:
     bool HasArrived() const { return Inner != nullptr; }
 
     Task<> Connect(Endpoint) override { return Arrive(); }
+
     Task<std::size_t> Read(char* buffer, std::size_t size) override;
     Task<> Write(std::string bytes) override;
     Task<> WriteFrom(const char* bytes, std::size_t size) override;
@@ -36,7 +37,9 @@ public:
     Task<> WaitWritable() override;
     void Abort() override;
     Endpoint Peer() const override;
+
     asio::ip::address Local() const override { return Here; }
+
     int NativeSocket() const override;
 
 private:

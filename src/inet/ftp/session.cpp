@@ -216,12 +216,14 @@ Task<bool> Session::IsStillThere()
     constexpr Milliseconds ShortWait = std::chrono::seconds(5);
     if (!Control || !Control->IsAlive()) co_return false;
     if (Time.Now() - LastUse < LongIdle) co_return true;
-    Control->SetLimit(std::min(ShortWait, How.Limit));
+    const Milliseconds wait = std::min(ShortWait, How.Limit / 4);
+    Control->SetLimit(wait);
     try {
         const Reply reply = co_await Control->Say("NOOP");
         co_return Control->IsAlive() && reply.Code != NotLoggedIn;
     } catch (const Failure&) {
         if (Why.IsCancelled()) throw;
+        if (Why.IsInterrupted()) How.Limit -= wait;
         Why.ForgiveTimeOut();
     }
     co_return false;

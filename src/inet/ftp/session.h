@@ -102,12 +102,12 @@ public:
 
 private:
     struct Capabilities {
-        std::set<DataWay> Failed;     ///< the ways to a data connection that have led nowhere
-        bool PassiveWorked = false;   ///< a data connection to a port of the server has been made
-        bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
-        bool Utf8Asked = false;       ///< the server has been asked to speak UTF-8, or cannot
-        bool Size = true;             ///< SIZE has not been called unknown yet
-        bool SizeWorked = false;      ///< SIZE has been answered with a figure
+        std::set<DataWay> Failed;    ///< the ways to a data connection that have led nowhere
+        bool PassiveWorked = false;  ///< a data connection to a port of the server has been made
+        bool LinesAsNames = true;    ///< no listing line has been refused as a name yet
+        bool Utf8Asked = false;      ///< the server has been asked to speak UTF-8, or cannot
+        bool Size = true;            ///< SIZE has not been called unknown yet
+        bool SizeWorked = false;     ///< SIZE has been answered with a figure
     };
 
     // Connecting
@@ -171,6 +171,7 @@ private:
     Task<Reply> Retrieve(std::string name, Sink& sink);
     Task<> CheckCut(std::string name, const Transfer& transfer);
     Task<std::optional<std::uint64_t>> AskSize(std::string name);
+    Task<std::optional<std::uint64_t>> AskSizeAfterwards(std::string name);
     Task<> CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size);
     Task<> CheckSent(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
@@ -207,10 +208,10 @@ private:
     std::shared_ptr<InboundWire> Inbound;  ///< the data connection of the running command, where the server makes it
     Milliseconds InboundShare{0};          ///< of the time-out, for making it
     Milliseconds Wasted{0};                ///< of the time-out, on data connections that did not come about
-    Milliseconds LastUse{0};         ///< when the last operation ended
-    char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
-    std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up
-    std::string LastListing;         ///< the reply of the last LIST
+    Milliseconds LastUse{0};               ///< when the last operation ended
+    char Type = 'A';                       ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
+    std::vector<std::string> Moves;        ///< changes of folder since log-in; an empty one leads up
+    std::string LastListing;               ///< the reply of the last LIST
 };
 
 }  // namespace Ftp
