@@ -121,15 +121,19 @@ void ScriptedServer::Watch(const Link& link)
 bool ScriptedServer::CallClient(const std::string& from)
 {
     if (!Door || !Door->Open || !Control) return false;
+    if (from.empty()) Data.reset();
     const Ftp::Endpoint here(from.empty() ? Control->Address.address() : asio::ip::make_address(from), 20);
-    const Link link = Door->Call(here);
-    Watch(link);
-    if (from.empty()) {
-        Peers.push_back(Door->Address);
-        Data = link;
-    } else {
-        Strangers.push_back(link);
-    }
+    Later(1, [this, here, door = Door, isStranger = !from.empty()] {
+        const Link link = door->Call(here);
+        Watch(link);
+        if (isStranger) Strangers.push_back(link);
+        if (isStranger) return;
+        Peers.push_back(door->Address);
+        Later(1, [this, link] {
+            Data = link;
+            Schedule();
+        });
+    });
     return true;
 }
 

@@ -106,6 +106,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     }
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
+    Prepared.reset();
     LastUse = Time.Now();
     if (failure) {
         co_await GetInStep();
@@ -296,6 +297,7 @@ void Session::CloseConnection()
 {
     Control.reset();
     Inbound.reset();
+    Prepared.reset();
     Ready = false;
     Can = {};
     Type = 'A';

@@ -127,6 +127,7 @@ private:
     Task<int> AskForPort(DataWay way);
     Task<std::shared_ptr<Wire>> TryPort(int port, Milliseconds share);
     Task<std::shared_ptr<Wire>> OfferPort(Milliseconds share);
+    std::shared_ptr<InboundWire> OpenPort() const;
     bool MayTryOtherWay(const Failure& failure) const;
     Task<> SetType(char type);
 
@@ -151,7 +152,7 @@ private:
     Task<std::string> ListInUtf8(std::string command);
 
     // Lines that can be sent before the ones ahead of them are answered
-    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
+    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command);
     bool MaySendAhead() const;
     Task<> SendAhead(std::vector<std::string> lines);
     Task<> AskForNextPort();
@@ -205,13 +206,14 @@ private:
     std::size_t HeardBefore = 0;        ///< replies on it before that command
     std::optional<Reply> Decided;       ///< the reply that counts, where another one came after it
     Capabilities Can;
-    std::shared_ptr<InboundWire> Inbound;  ///< the data connection of the running command, where the server makes it
-    Milliseconds InboundShare{0};          ///< of the time-out, for making it
-    Milliseconds Wasted{0};                ///< of the time-out, on data connections that did not come about
-    Milliseconds LastUse{0};               ///< when the last operation ended
-    char Type = 'A';                       ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
-    std::vector<std::string> Moves;        ///< changes of folder since log-in; an empty one leads up
-    std::string LastListing;               ///< the reply of the last LIST
+    std::shared_ptr<InboundWire> Inbound;   ///< the data connection of the running command, where the server makes it
+    std::shared_ptr<InboundWire> Prepared;  ///< the next one, where the server is told of it ahead
+    Milliseconds InboundShare{0};           ///< of the time-out, for making it
+    Milliseconds Wasted{0};                 ///< of the time-out, on data connections that did not come about
+    Milliseconds LastUse{0};                ///< when the last operation ended
+    char Type = 'A';                        ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
+    std::vector<std::string> Moves;         ///< changes of folder since log-in; an empty one leads up
+    std::string LastListing;                ///< the reply of the last LIST
 };
 
 }  // namespace Ftp

@@ -114,13 +114,20 @@ Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds share)
 // That the server will connect is known only once it does, when the command that needs the connection is given.
 Task<std::shared_ptr<Wire>> Session::OfferPort(Milliseconds share)
 {
-    const auto note = [book = Book, host = Where.Host, port = Where.Port] { book->Note(host, port, DataWay::Active); };
-    auto wire = std::make_shared<InboundWire>(Net, Control->Local(), Control->Peer().address(), note);
+    std::shared_ptr<InboundWire> wire = std::exchange(Prepared, nullptr);
+    if (!wire) wire = OpenPort();
     std::string line = wire->Line();
     (void)co_await Control->Expect(std::move(line));
     Inbound = wire;
     InboundShare = share;
     co_return wire;
+}
+
+/// A port of ours. Throws Failure.
+std::shared_ptr<InboundWire> Session::OpenPort() const
+{
+    const auto note = [book = Book, host = Where.Host, port = Where.Port] { book->Note(host, port, DataWay::Active); };
+    return std::make_shared<InboundWire>(Net, Control->Local(), Control->Peer().address(), note);
 }
 
 /// Whether a command failed because the server did not connect to us, and there are other ways.
@@ -132,17 +139,26 @@ bool Session::MayTryOtherWay(const Failure& failure) const
     return !ways.empty() && !(ways.size() == 1 && ways.front() == DataWay::Active);
 }
 
-// The command goes with them only where the port that it needs will surely be one that can be reached. A port of our
-// own is opened when it is needed.
-std::vector<std::string> Session::LinesBefore(char type, const std::string& sized, std::string command) const
+// The command goes with them only where the connection that it needs will surely come about.
+std::vector<std::string> Session::LinesBefore(char type, const std::string& sized, std::string command)
 {
     std::vector<std::string> lines;
     if (Type != type) lines.push_back(std::string("TYPE ") + type);
     const DataWay way = Ways().front();
-    if (way == DataWay::Active) return lines;
-    lines.push_back(PassiveLine(way));
+    const bool hasCalled = Inbound && Inbound->HasArrived();
+    if (way == DataWay::Active && (!hasCalled || !MaySendAhead())) return lines;
+    if (way == DataWay::Active) {
+        try {
+            Prepared = OpenPort();
+        } catch (const Failure&) {
+            return lines;  // told when it is tried again
+        }
+        lines.push_back(Prepared->Line());
+    } else {
+        lines.push_back(PassiveLine(way));
+    }
     if (!sized.empty() && Can.Size) lines.push_back("SIZE " + sized);
-    if (Can.PassiveWorked) lines.push_back(std::move(command));
+    if (way == DataWay::Active || Can.PassiveWorked) lines.push_back(std::move(command));
     return lines;
 }
 
