@@ -63,7 +63,7 @@ int main(int count, char** words)
 
     Surroundings around;
     around.ProgramFolder = ProgramFolder();
-    const auto ways = std::make_shared<Ftp::DataWayBook>(FilePath(ProgramFolder() + "/TolvWays.dta"));
+    const auto ways = std::make_shared<Ftp::DataWayBook>((ProgramFolder() + "/TolvWays.dta").toStdU16String());
     around.MakeInet = [ways] { return std::make_unique<TransferComponent>(ways); };
     around.Beep = [] { Beep(); };
     SoundPlayer sounds;
