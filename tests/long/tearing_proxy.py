@@ -117,7 +117,9 @@ class _Pair:
             self.passed += len(data)
             target.sendall(data)
             return True
-        target.sendall(data[:self.tear.after - self.passed])
+        data = data[:self.tear.after - self.passed]
+        # There are servers that carry out a command whose line has no end: half a name is a name, too.
+        target.sendall(data[:data.rfind(b"\n") + 1] if target is self.server and not self.is_data else data)
         self._break(self.tear.kind)
         return False
 

@@ -27,7 +27,7 @@ def digest(path):
 
 def server_is_at_work(port):
     """A session of the server at this port has not yet noticed that its client is gone: it may still carry out what it
-    was told before."""
+    was told before, or wait for data."""
     lines = (line.split() for line in pathlib.Path("/proc/net/tcp").read_text().splitlines()[1:])
     return any(words[1].endswith(f":{port:04X}") and words[3] == CLOSE_WAIT for words in lines)
 
@@ -109,9 +109,9 @@ class Soak:
 
     def settle(self):
         begin = time.monotonic()
-        while server_is_at_work(int(self.server.port)) and time.monotonic() - begin < 30:
+        while server_is_at_work(int(self.server.port)) and time.monotonic() - begin < 1:
             time.sleep(0.02)
-        time.sleep(0.2)  # for a session whose connection was reset, which no table shows
+        time.sleep(0.1)  # for a session whose connection was reset, which no table shows
 
     def check_failure(self, operation, told):
         code, sentence = told.split(" ", 1)
