@@ -63,7 +63,8 @@ int main(int count, char** words)
 
     Surroundings around;
     around.ProgramFolder = ProgramFolder();
-    around.MakeInet = [] { return std::make_unique<TransferComponent>(); };
+    const auto ways = std::make_shared<Ftp::DataWayBook>((ProgramFolder() + "/TolvWays.dta").toStdU16String());
+    around.MakeInet = [ways] { return std::make_unique<TransferComponent>(ways); };
     around.Beep = [] { Beep(); };
     SoundPlayer sounds;
     around.PlaySound = [&sounds](const QString& path) { sounds.Play(path); };

@@ -182,7 +182,10 @@ HttpRequest TransferComponent::Properties::HttpRequestOf(const QString& url, con
     return request;
 }
 
-TransferComponent::TransferComponent(QObject* parent) : Inet(parent), Chosen(std::make_unique<Properties>()) {}
+TransferComponent::TransferComponent(std::shared_ptr<::Ftp::DataWayBook> ways, QObject* parent)
+    : Inet(parent), Chosen(std::make_unique<Properties>()), Ways(std::move(ways))
+{
+}
 
 TransferComponent::~TransferComponent() = default;
 
@@ -358,7 +361,7 @@ quint64 TransferComponent::Begin()
 
 Worker& TransferComponent::FtpThread()
 {
-    if (!Thread) Thread = std::make_unique<Worker>();
+    if (!Thread) Thread = std::make_unique<Worker>(Ways);
     return *Thread;
 }
 

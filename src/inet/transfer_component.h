@@ -17,7 +17,9 @@ class TransferComponent final : public Inet {
     Q_OBJECT
 
 public:
-    explicit TransferComponent(QObject* parent = nullptr);
+    /// `ways` remembers how the servers' data is reached, for as many components as are given it; none: each
+    /// remembers for itself.
+    explicit TransferComponent(std::shared_ptr<::Ftp::DataWayBook> ways = {}, QObject* parent = nullptr);
     ~TransferComponent() override;
 
     void SetAccessType(int access) override;
@@ -67,6 +69,7 @@ private:
     void ForgetReply();
 
     std::unique_ptr<Properties> Chosen;
+    std::shared_ptr<::Ftp::DataWayBook> Ways;
     std::unique_ptr<Worker> Thread;   ///< of FTP, begun with the first command
     std::unique_ptr<HttpWorker> Web;  ///< of HTTP, the same
     bool OverHttp = false;            ///< the command begun last

@@ -8,7 +8,7 @@
 #include <asio/post.hpp>
 #include <utility>
 
-Worker::Worker()
+Worker::Worker(std::shared_ptr<Ftp::DataWayBook> ways)
     : Work(asio::make_work_guard(Context)), Sockets(Context.get_executor()),
       Network(Sockets, [](const std::string& host, std::uint16_t port) { return SystemProxy("ftp", host, port); }),
       Time(Context.get_executor()),
@@ -17,7 +17,8 @@ Worker::Worker()
                [this](const Ftp::Progress& progress) { Note(progress); },
                [this](unsigned number, Ftp::Certificate shown) {
                    Note(Question{number, std::move(shown)});
-               }}),
+               }},
+              std::move(ways)),
       Thread([this] { Run(); })
 {
 }

@@ -39,7 +39,8 @@ public:
     /// would cost more than a small transfer.
     using Listener = std::function<void(std::vector<News>)>;
 
-    Worker();
+    /// `ways`: see Session.
+    explicit Worker(std::shared_ptr<Ftp::DataWayBook> ways = {});
     /// Ends what runs and joins the thread, within a fraction of a second.
     ~Worker();
     Worker(const Worker&) = delete;

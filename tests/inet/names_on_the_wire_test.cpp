@@ -79,7 +79,7 @@ void NamesOnTheWireTest::NamesAreSentExactly_data()
 {
     QTest::addColumn<QByteArray>("name");
     for (const char* name : {"-rf", " x", "x ", "a  b", "100%41", "\xff\xfe", "a\"b", "\"", "it's", "*?[a]", "~",
-                             "\xe2\x80\xae x", "C:", "NUL.txt", "|cmd", "x;y"})
+                             "\xe2\x80\xae x", "C:", "NUL.txt", "|cmd", "a|b", "x;y"})
         QTest::newRow(QByteArray(name).toPercentEncoding().constData()) << QByteArray(name);
 }
 

@@ -511,6 +511,7 @@ void ProxyTunnelTest::P6ActiveModeIsNotOffered()
             C: PWD
             S: 257 "/" is it
         )");
+        ftp.Talk.Server.SetStrict(true);
         const Ftp::Outcome outcome = ftp.Do("DIR");
         QCOMPARE(outcome.Code, 500);
         QVERIFY(ftp.Do("PWD").Good);

@@ -38,6 +38,8 @@ private slots:
 #ifndef Q_OS_WIN
     void AFullDiskLeavesTheOldFile();
 #endif
+    void T12LineEndsWrittenAnewAreNoticed_data();
+    void T12LineEndsWrittenAnewAreNoticed();
 };
 
 namespace {
@@ -321,6 +323,38 @@ void QuirksTransfersTest::AFullDiskLeavesTheOldFile()
 }
 
 #endif
+
+void QuirksTransfersTest::T12LineEndsWrittenAnewAreNoticed_data()
+{
+    QTest::addColumn<QString>("data");
+    QTest::addColumn<QString>("arrives");
+    QTest::newRow("shorter") << R"(one\ntwo\n)" << QString();
+    QTest::newRow("longer") << R"(one\r\r\ntwo\r\r\n)" << QString("one\r\r\ntwo\r\r\n");
+}
+
+// In binary type a server has to send the file as it is.
+void QuirksTransfersTest::T12LineEndsWrittenAnewAreNoticed()
+{
+    QFETCH(QString, arrives);
+    const std::string sized = "C: SIZE kept\nS: 213 10\n";
+    Conversation talk(LogIn + "C: TYPE I\nS: 200 fine\n" + SamplePassive + sized +
+                      "C: RETR kept\n-- accept\nS: 150\nD: " + StringIn("data") + "\n-- end\nS: 226\n" + sized +
+                      "C: PWD\nS: 257 \"/\"");
+    talk.MakeLocalFile("kept", SampleKept);
+    const Ftp::Outcome got = talk.Do("GET kept");
+    if (arrives.isEmpty()) {
+        QCOMPARE_FAILED(got, Ftp::ResponseError);
+        QCOMPARE(talk.LocalFile("kept"), SampleKept);
+    } else {
+        QVERIFY_GOOD(got);
+        QVERIFY(!got.Transferred->BySize);
+        QCOMPARE(talk.LocalFile("kept"), arrives.toLatin1());
+        QCOMPARE(talk.Remarks.size(), 1U);
+        QVERIFY(QString::fromStdString(talk.Remarks.front()).contains("12 bytes here and 10 at the server"));
+    }
+    talk.Server.Play((talk.Session->IsConnected() ? "" : LogIn) + "C: PWD\nS: 257 \"/\"");
+    QVERIFY_GOOD(talk.Do("PWD"));
+}
 
 QTEST_GUILESS_MAIN(QuirksTransfersTest)
 #include "quirks_transfers_test.moc"

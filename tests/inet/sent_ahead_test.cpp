@@ -12,6 +12,8 @@ private slots:
     void AnAnonymousListingTakesSixRoundTrips();
     void AFurtherFileTakesThreeRoundTrips();
     void AFileWhosePortIsThereTakesTwoRoundTrips();
+    void AFileThatTheServerBringsTakesTwoRoundTrips();
+    void ARefusedPortOfOursInMidSessionIsRecovered();
     void OneAtATimeTheSameTakesLonger();
     void TheWayIntoTheFolderCostsNothingMore();
     void ARefusedPortIsAskedForTheOldWay();
@@ -43,6 +45,7 @@ std::string Data(const std::string& command)
 }
 
 const std::string Sized = "C: SIZE kept\nS: 213 5\n";
+const std::string Brought = "C: RETR kept\n-- call\nS: 150 coming\nD: bytes\n-- end\nS: 226 done\n";
 const std::string Get = Sized + Data("RETR kept");
 const std::string First = LogIn + "C: TYPE I\nS: 200\n" + Passive(4001) + Get;
 
@@ -87,6 +90,31 @@ void SentAheadTest::AFileWhosePortIsThereTakesTwoRoundTrips()
     while (!passed && talk.Clock.JumpToNextAlarm()) talk.Settle();
     QVERIFY_GOOD(talk.Do("GET kept"));
     QCOMPARE(talk.LastDuration.count(), (2 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+// The server connects as soon as it has heard of the file: nobody waits to be told a port.
+void SentAheadTest::AFileThatTheServerBringsTakesTwoRoundTrips()
+{
+    const std::string brought = "C: PORT *\nS: 200\n" + Sized + Brought;
+    StrictConversation talk(LogIn + "C: TYPE I\nS: 200\n" + brought + brought);
+    talk.Book->Note("server.test", ScriptedServer::Port, Ftp::DataWay::Active);
+    talk.Server.SetLatency(Latency);
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.LastDuration.count(), (2 * RoundTrip).count());
+    QVERIFY_FOLLOWED(talk);
+}
+
+void SentAheadTest::ARefusedPortOfOursInMidSessionIsRecovered()
+{
+    StrictConversation talk(LogIn + "C: TYPE I\nS: 200\nC: PORT *\nS: 200\n" + Sized + Brought +
+                            "C: PORT *\nS: 500 no\n" + Sized + "C: RETR kept\nS: 150 soon\nS: 425 no port\n" +
+                            Passive(4001) + Get);
+    talk.Book->Note("server.test", ScriptedServer::Port, Ftp::DataWay::Active);
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QVERIFY_GOOD(talk.Do("GET kept"));
+    QCOMPARE(talk.LocalFile("kept"), QByteArray("bytes"));
     QVERIFY_FOLLOWED(talk);
 }
 
@@ -162,7 +190,7 @@ void SentAheadTest::AServerThatThrowsLinesAwayGetsThemOneAtATime()
     // It reads the password, and nothing that came in the same packet.
     StrictConversation talk(LogIn + "-- gone\n" + LogIn + Passive(4001) + Data("LIST"));
     QVERIFY_GOOD(talk.Do("DIR"));
-    QCOMPARE(talk.LastDuration.count(), (Conversation::Limit / 2).count());
+    QCOMPARE(talk.LastDuration.count(), (Conversation::Limit / 4).count());
     QVERIFY_FOLLOWED(talk);
 }
 

@@ -81,11 +81,13 @@ void SizesTest::AFileThatHasShrunkMeanwhileIsWhole()
 
 void SizesTest::AFileBeyondItsSizeIsKeptUnconfirmed()
 {
-    StrictConversation talk(Get("213 2"));
-    const Ftp::Outcome got = talk.Do("GET kept");
-    QVERIFY_GOOD(got);
-    QVERIFY(got.Transferred && !got.Transferred->BySize);
-    QCOMPARE(talk.LocalFile("kept"), QByteArray("bytes"));
+    for (const char* again : {"S: 213 2\n", "-- close\n", "-- silence\n"}) {
+        StrictConversation talk(Get("213 2") + "C: SIZE kept\n" + again);
+        const Ftp::Outcome got = talk.Do("GET kept");
+        QVERIFY_GOOD(got);
+        QVERIFY(got.Transferred && !got.Transferred->BySize);
+        QCOMPARE(talk.LocalFile("kept"), QByteArray("bytes"));
+    }
 }
 
 void SizesTest::TheSizeCountsForMoreThanTheAnnouncement()

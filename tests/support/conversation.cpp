@@ -19,7 +19,7 @@ Conversation::Conversation(const std::string& script, Disturbance disturbance)
         else
             Session->Answer(number, false);
     };
-    Session.emplace(Net, Clock, std::move(observer));
+    Session.emplace(Net, Clock, std::move(observer), Book);
     Server.Play(script, std::move(disturbance));
 }
 

@@ -47,6 +47,7 @@ public:
     ManualClock Clock;
     ScriptedServer Server{Context.get_executor(), Clock};
     MemoryNetwork Net{Context.get_executor(), Server};
+    std::shared_ptr<Ftp::DataWayBook> Book = std::make_shared<Ftp::DataWayBook>();
     Ftp::Target Where{"server.test", ScriptedServer::Port, "ann", "secret", ""};
     Ftp::Manner How{Limit, true};
     std::vector<int> States;

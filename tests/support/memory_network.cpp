@@ -1,6 +1,7 @@
 #include "support/memory_network.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -15,6 +16,9 @@ public:
         : Link(std::make_shared<MemoryLink>(executor)), Server(server)
     {
     }
+
+    /// Of a connection that the server has made.
+    MemoryWire(std::shared_ptr<MemoryLink> link, MemoryServer& server) : Link(std::move(link)), Server(server) {}
 
     ~MemoryWire() override { Leave(); }
 
@@ -85,6 +89,11 @@ public:
 
     Ftp::Endpoint Peer() const override { return Link->Address; }
 
+    asio::ip::address Local() const override
+    {
+        return asio::ip::make_address(Link->Address.address().is_v4() ? "127.0.0.1" : "::1");
+    }
+
     int NativeSocket() const override { return -1; }
 
 private:
@@ -108,6 +117,50 @@ private:
 
     std::shared_ptr<MemoryLink> Link;
     MemoryServer& Server;
+};
+
+class MemoryListener final : public Ftp::Listener {
+public:
+    MemoryListener(const asio::any_io_executor& executor, MemoryServer& server, std::uint16_t& nextPort)
+        : Door(std::make_shared<MemoryDoor>(executor)), Server(server), NextPort(nextPort)
+    {
+    }
+
+    ~MemoryListener() override { Abort(); }
+
+    std::uint16_t Listen(const asio::ip::address& address) override
+    {
+        Door->Address = Ftp::Endpoint(address, NextPort++);
+        Door->Open = true;
+        Server.Listening(Door);
+        return Door->Address.port();
+    }
+
+    Ftp::Task<std::shared_ptr<Ftp::Wire>> Accept() override
+    {
+        const std::shared_ptr<MemoryDoor> door = Door;
+        while (door->Open && door->Callers.empty()) co_await door->Changed.Wait();
+        if (!door->Open) throw Lost(Ftp::AbortedError, "The port was closed.");
+        const std::shared_ptr<MemoryLink> link = door->Callers.front();
+        door->Callers.pop_front();
+        co_return std::make_shared<MemoryWire>(link, Server);
+    }
+
+    // Who has called and was not let in is turned away.
+    void Abort() override
+    {
+        Door->Open = false;
+        for (const std::shared_ptr<MemoryLink>& link : std::exchange(Door->Callers, {})) {
+            link->ClientGone = true;
+            if (link->Notified) link->Notified();
+        }
+        Door->Changed.Wake();
+    }
+
+private:
+    std::shared_ptr<MemoryDoor> Door;
+    MemoryServer& Server;
+    std::uint16_t& NextPort;
 };
 
 class MemoryLookup final : public Ftp::Lookup {
@@ -140,6 +193,20 @@ private:
 };
 
 }  // namespace
+
+std::shared_ptr<MemoryLink> MemoryDoor::Call(const Ftp::Endpoint& from)
+{
+    auto link = std::make_shared<MemoryLink>(Where);
+    link->Address = from;
+    Callers.push_back(link);
+    Changed.Wake();
+    return link;
+}
+
+std::shared_ptr<Ftp::Listener> MemoryNetwork::NewListener()
+{
+    return std::make_shared<MemoryListener>(Where, Server, NextPort);
+}
 
 std::shared_ptr<Ftp::Wire> MemoryNetwork::NewWire()
 {

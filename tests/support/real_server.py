@@ -2,12 +2,14 @@
 """Keeps one real FTP server alive on a free loopback port for as long as its caller lives.
 
     real_server.py vsftpd|proftpd|pure-ftpd|pyftpdlib --folder FILES [--address 127.0.0.1|::1] [--servers CACHE]
-                   [--tls explicit|implicit] [--tls-version 1.2|1.3]
+                   [--tls explicit|implicit] [--tls-version 1.2|1.3] [--refuse-passive]
 
 Serves FILES read-write to one user (see USERS), and to anonymous with any password a client is likely to send. Once
 the server accepts connections, one line of JSON tells what was started: {"port": ..., "user": ..., "password": ...}.
 With --tls it takes secure connections only, protects the data, too, and demands that data connections resume the TLS
 session where it knows how to; "authority" in the line of JSON is then the certificate that vouches for the server's.
+With --refuse-passive, which pure-ftpd does not know, the server opens no ports and has to connect to its clients; "log"
+in the line of JSON is then a file with every command that it has got.
 Then it reads commands: "kill" ends the server with all its sessions at once, as a crash would, and answers "killed";
 the end of the input (the caller closed it, or died) does the same and ends this program. Nothing is left running.
 
@@ -125,9 +127,10 @@ class Tls:
 class Plan:
     """How one server is started: its command line and environment, with the files it needs in `work`."""
 
-    def __init__(self, kind, servers, work, folder, address, port, tls):
+    def __init__(self, kind, servers, work, folder, address, port, tls, refuse_passive):
         self.servers, self.work, self.folder = servers, work, folder
-        self.address, self.port, self.tls = address, port, tls
+        self.address, self.port, self.tls, self.refuse_passive = address, port, tls, refuse_passive
+        self.log = work / "log"
         self.user = USERS[kind]
         libraries = sorted({str(path.parent) for path in (servers / "lib").rglob("*.so*")})
         self.environment = dict(os.environ, LD_LIBRARY_PATH=":".join(libraries), TZ="UTC", LC_ALL="C.UTF-8")
@@ -161,6 +164,8 @@ class Plan:
             "delay_failed_login": 0, "seccomp_sandbox": "NO", "isolate": "NO", "isolate_network": "NO",
             "connect_from_port_20": "NO", "xferlog_enable": "NO", "vsftpd_log_file": self.work / "log",
         }
+        if self.refuse_passive:
+            settings |= {"pasv_enable": "NO", "log_ftp_protocol": "YES", "xferlog_enable": "YES"}
         if self.tls:
             settings |= {
                 "ssl_enable": "YES", "allow_anon_ssl": "YES", "force_anon_logins_ssl": "YES",
@@ -213,6 +218,13 @@ class Plan:
                 </Limit>
             </Anonymous>
             """
+        if self.refuse_passive:
+            text += f"""
+            <Limit EPSV PASV>
+                DenyAll
+            </Limit>
+            ExtendedLog {self.log} ALL
+            """
         if self.tls:
             text += f"""
             ModulePath {self.servers}/proftpd/usr/lib/proftpd
@@ -256,6 +268,13 @@ class Plan:
         self.environment["PYTHONPATH"] = str(library)
         handler = "FTPHandler"
         securing = ""
+        logging = "pyftpdlib.log.config_logging(level=40)"
+        if self.refuse_passive:
+            logging = f"""
+import logging
+logging.basicConfig(filename={str(self.log)!r}, level=logging.DEBUG)
+FTPHandler.ftp_EPSV = FTPHandler.ftp_PASV = lambda self, line: self.respond("502 No ports.")
+"""
         if self.tls:
             handler = "Secure"
             securing = f"""
@@ -275,7 +294,7 @@ from pyftpdlib.authorizers import DummyAuthorizer
 from pyftpdlib.handlers import FTPHandler
 from pyftpdlib.servers import FTPServer
 import pyftpdlib.log
-pyftpdlib.log.config_logging(level=40)
+{logging}
 authorizer = DummyAuthorizer()
 authorizer.add_user({self.user!r}, {PASSWORD!r}, {str(self.folder)!r}, perm="elradfmwMT")
 authorizer.add_anonymous({str(self.folder)!r})
@@ -361,12 +380,12 @@ def renew(plan):
     print("renewed" if run(plan) else "failed", flush=True)
 
 
-def start(kind, servers, work, folder, address, tls):
+def start(kind, servers, work, folder, address, tls, refuse_passive):
     last = ""
     for attempt in range(5):  # another program may take the port between the choice and the server's start
         place = work / str(attempt)
         place.mkdir()
-        plan = Plan(kind, servers, place, folder, address, free_port(address), tls)
+        plan = Plan(kind, servers, place, folder, address, free_port(address), tls, refuse_passive)
         if run(plan):
             return plan
         kill_all()
@@ -383,6 +402,7 @@ def main():
     parser.add_argument("--tls", choices=("explicit", "implicit"))
     parser.add_argument("--tls-version", choices=("1.2", "1.3"))
     parser.add_argument("--self-signed", action="store_true", help="a certificate of its own, renewed by \"renew\"")
+    parser.add_argument("--refuse-passive", action="store_true")
     options = parser.parse_args()
     prctl(PR_SET_CHILD_SUBREAPER, 1)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
@@ -394,8 +414,10 @@ def main():
             tls = Tls(options.tls == "implicit", options.tls_version, made)
         try:
             plan = start(options.kind, options.servers, pathlib.Path(work), options.folder.resolve(), options.address,
-                         tls)
+                         tls, options.refuse_passive)
             told = {"port": plan.port, "user": plan.user, "password": PASSWORD}
+            if options.refuse_passive:
+                told["log"] = str(plan.log)
             if tls:
                 told["authority"] = str(tls.certificates.authority)
             print(json.dumps(told), flush=True)

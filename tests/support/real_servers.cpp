@@ -1,8 +1,10 @@
 #include "support/real_servers.h"
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #ifdef Q_OS_WIN
 #include <QTcpSocket>
 #else
@@ -45,13 +47,14 @@ QString RealServer::NameOf(Kind kind)
     return {};
 }
 
-RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version)
+RealServer::RealServer(Kind kind, const QString& address, Security security, const QString& version, Ports ports)
     : Address(address), Safety(security)
 {
     QStringList options;
     if (security != Plain) options << QStringLiteral("--tls") << (security == ImplicitTls ? "implicit" : "explicit");
     if (security == SelfSignedTls) options << QStringLiteral("--self-signed");
     if (!version.isEmpty()) options << QStringLiteral("--tls-version") << version;
+    if (ports == OpensNoPorts) options << QStringLiteral("--refuse-passive");
     StartKeeper(NameOf(kind), options);
     if (!Trouble.isEmpty()) return;
     const QJsonObject told = QJsonDocument::fromJson(ReadLine()).object();
@@ -62,7 +65,23 @@ RealServer::RealServer(Kind kind, const QString& address, Security security, con
 #ifdef Q_OS_WIN
     if (!AuthorityFile.isEmpty()) AuthorityFile.prepend("Z:");  // where Wine shows the files of the servers' system
 #endif
+    LogFile = told.value(QStringLiteral("log")).toString();
     if (PortNumber == 0) Trouble = NameOf(kind) + QStringLiteral(" does not start on ") + address;
+}
+
+QStringList RealServer::Commands() const
+{
+    QFile file(LogFile);
+    if (!file.open(QIODevice::ReadOnly)) return {"(no log)"};
+    // Each server has its own way to write them down, but all of them write the line as it came.
+    static const QRegularExpression line(R"rx((?:, "|\] "|<- )([A-Z]{3,4}(?: [^"]*)?)(?:"|$))rx");
+    QStringList commands;
+    const QStringList lines = QString::fromLatin1(file.readAll()).split(u'\n');
+    for (const QString& text : lines) {
+        const QRegularExpressionMatch match = line.match(text);
+        if (match.hasMatch()) commands.append(match.captured(1));
+    }
+    return commands;
 }
 
 #ifdef Q_OS_WIN

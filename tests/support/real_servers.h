@@ -2,6 +2,7 @@
 
 #include <QIODevice>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -21,9 +22,12 @@ public:
     /// SelfSignedTls is explicit, with a certificate that nobody vouches for.
     enum Security { Plain, ExplicitTls, ImplicitTls, SelfSignedTls };
 
+    /// One that opens no ports connects to its clients; pure-ftpd has no such mode.
+    enum Ports { OpensPorts, OpensNoPorts };
+
     /// `address` is 127.0.0.1 or ::1; `version` is 1.2 or 1.3, empty: both.
     explicit RealServer(Kind kind, const QString& address = QStringLiteral("127.0.0.1"), Security security = Plain,
-                        const QString& version = {});
+                        const QString& version = {}, Ports ports = OpensPorts);
     ~RealServer();
     RealServer(const RealServer&) = delete;
     RealServer& operator=(const RealServer&) = delete;
@@ -36,6 +40,9 @@ public:
 
     /// The file with the certificate that vouches for a secured server's.
     QString Authority() const { return AuthorityFile; }
+
+    /// Every command that one that opens no ports has got so far.
+    QStringList Commands() const;
 
     int Port() const { return PortNumber; }
 
@@ -60,6 +67,7 @@ private:
     QString Address;
     Security Safety;
     QString AuthorityFile;
+    QString LogFile;
     QTemporaryDir Files;
     std::unique_ptr<QIODevice> Keeper;  ///< who keeps the server alive as long as it is open
     int PortNumber = 0;

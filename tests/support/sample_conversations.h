@@ -30,6 +30,15 @@ inline const std::string SampleOldPassive = R"(
     -- listen 4001
 )";
 
+inline const std::string SampleActive = R"(
+    C: EPSV
+    S: 502 what?
+    C: PASV
+    S: 425 not from there
+    C: PORT *
+    S: 200 fine
+)";
+
 inline std::vector<SampleConversation> SampleConversations()
 {
     const std::string binary = "C: TYPE I\nS: 200 fine\n";
@@ -47,12 +56,17 @@ inline std::vector<SampleConversation> SampleConversations()
         U: bytes to send
         S: 226 stored
     )";
+    const std::string called = "-- call\n";
     return {
         {"list", "DIR", LogIn + SamplePassive + "C: LIST\n" + incoming},
         {"names", "LS", LogIn + SampleOldPassive + "C: NLST\n" + incoming},
         {"receive", R"(GET "kept" "kept")", LogIn + binary + SamplePassive + "C: RETR kept\n" + incoming},
         {"receive, passive", R"(GET "kept" "kept")", LogIn + binary + SampleOldPassive + "C: RETR kept\n" + incoming},
         {"send", R"(PUT "sent" "sent")", LogIn + binary + SamplePassive + "C: STOR sent\n" + outgoing},
+        {"list, active", "DIR", LogIn + SampleActive + "C: LIST\n" + called + incoming},
+        {"receive, active", R"(GET "kept" "kept")",
+         LogIn + binary + SampleActive + "C: RETR kept\n" + called + incoming},
+        {"send, active", R"(PUT "sent" "sent")", LogIn + binary + SampleActive + "C: STOR sent\n" + called + outgoing},
         {"rename", R"(RENAME "a" "b")", LogIn + "C: RNFR a\nS: 350 go on\nC: RNTO b\nS: 250 done"},
         {"folder", "CD x", LogIn + "C: CWD x\nS: 250-all\nS:  the rules\nS: 250 there"},
         {"folder above", "CDUP", LogIn + "C: CDUP\nS: 502 what?\nC: CWD ..\nS: 250 there"},

@@ -93,16 +93,12 @@ MemoryServer::Answer ScriptedServer::Accept(std::shared_ptr<MemoryLink> link)
     const int port = link->Address.port();
     if (SilentPorts.contains(port)) return Answer::Silent;
     if (Deaf && Trouble.Kind == Disturbance::FallSilent) return Answer::Silent;
-    if (Deaf || (port != Port && !Listening.contains(port))) return Answer::Refused;
-    link->Notified = [this, alive = std::weak_ptr(Alive), watched = std::weak_ptr(link)] {
-        if (alive.expired()) return;
-        if (const Link known = watched.lock()) Hear(known);
-    };
-    All.push_back(link);
+    if (Deaf || (port != Port && !OpenPorts.contains(port))) return Answer::Refused;
+    Watch(link);
     if (port == Port)
         link->Slice = Slice;
     else
-        Listening.erase(port);
+        OpenPorts.erase(port);
     link->Pending = Latency.count() > 0;
     Later(2, [link] {
         link->Pending = false;
@@ -110,6 +106,41 @@ MemoryServer::Answer ScriptedServer::Accept(std::shared_ptr<MemoryLink> link)
     });
     Later(3, [this, link] { Take(link); });
     return Answer::Accepted;
+}
+
+void ScriptedServer::Watch(const Link& link)
+{
+    link->Notified = [this, alive = std::weak_ptr(Alive), watched = std::weak_ptr(link)] {
+        if (alive.expired()) return;
+        if (const Link known = watched.lock()) Hear(known);
+    };
+    All.push_back(link);
+}
+
+/// False when the port is closed.
+bool ScriptedServer::CallClient(const std::string& from)
+{
+    if (!Door || !Door->Open || !Control) return false;
+    if (from.empty()) Data.reset();
+    const Ftp::Endpoint here(from.empty() ? Control->Address.address() : asio::ip::make_address(from), 20);
+    Later(1, [this, here, door = Door, isStranger = !from.empty()] {
+        const Link link = door->Call(here);
+        Watch(link);
+        if (isStranger) Strangers.push_back(link);
+        if (isStranger) return;
+        Peers.push_back(door->Address);
+        Later(1, [this, link] {
+            Data = link;
+            Schedule();
+        });
+    });
+    return true;
+}
+
+std::size_t ScriptedServer::StrangersLeft() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(Strangers.begin(), Strangers.end(), [](const Link& one) { return one->ClientGone; }));
 }
 
 void ScriptedServer::Take(Link link)
@@ -167,9 +198,11 @@ void ScriptedServer::Proceed()
 {
     while (!Deaf && !Paused) {
         if (Trouble.Kind != Disturbance::None && At == Trouble.AfterSteps) Disturb();
-        if (Deaf || At == Steps.size() || !Try(Steps[At])) return;
+        if (Deaf || At == Steps.size() || !Try(Steps[At])) break;
         ++At;
     }
+    const bool isIdle = At == Steps.size() || Steps[At].Kind == "--";
+    if (!Deaf && !Paused && !Strict && Control && isIdle) RefuseToCall();
 }
 
 void ScriptedServer::Disturb()
@@ -227,6 +260,9 @@ bool ScriptedServer::TryConnectionDirective(const std::string& text)
     }
     if (text == "data gone") return Data && Data->ClientGone;
     if (text == "accept") return Data && !Data->ServerEnded && (Data->ClientEnded || !Data->ClientGone);
+    if (text == "door closed") return Door && !Door->Open;
+    if (text == "call") return CallClient({});
+    if (text.starts_with("call ")) return CallClient(text.substr(5));
     if (text == "end")
         EndLink(Data);
     else if (text == "break data")
@@ -246,7 +282,7 @@ bool ScriptedServer::TryDirective(const std::string& text)
 {
     if (text.starts_with("listen ")) {
         Data.reset();
-        Listening.insert(NumberIn(text));
+        OpenPorts.insert(NumberIn(text));
         return true;
     }
     if (text.starts_with("take ")) return Take(static_cast<std::size_t>(NumberIn(text)));
@@ -266,15 +302,27 @@ bool ScriptedServer::TryDirective(const std::string& text)
     return false;
 }
 
+/// A client may ask for it where the script has no room for that.
+void ScriptedServer::RefuseToCall()
+{
+    const std::string& got = Control->ToServer;
+    const std::size_t end = got.find("\r\n");
+    if (end == std::string::npos || (!got.starts_with("PORT ") && !got.starts_with("EPRT "))) return;
+    Control->ToServer.erase(0, end + 2);
+    Read[Control.get()] += end + 2;
+    SendControl("502 I call nobody\r\n");
+}
+
 bool ScriptedServer::Command(const std::string& wanted)
 {
+    if (!Strict && !wanted.starts_with("PORT ") && !wanted.starts_with("EPRT ") && wanted != "*") RefuseToCall();
     const std::size_t end = Control->ToServer.find("\r\n");
     if (end == std::string::npos) return false;
     if (Latency.count() > 0 && Read[Control.get()] + end + 2 > Arrived[Control.get()]) return false;
     const std::string got = Control->ToServer.substr(0, end);
     Control->ToServer.erase(0, end + 2);
     Read[Control.get()] += end + 2;
-    if (wanted == "*" || got == wanted) return true;
+    if (got == wanted || (wanted.ends_with('*') && got.starts_with(wanted.substr(0, wanted.size() - 1)))) return true;
     if (!Strict && got.starts_with("SIZE ")) {
         SendControl("550 I know no sizes\r\n");
         return Command(wanted);
@@ -350,5 +398,5 @@ void ScriptedServer::EndAll(bool reset)
     Control.reset();
     Data.reset();
     Callers.clear();
-    Listening.clear();
+    OpenPorts.clear();
 }

@@ -23,13 +23,16 @@ struct Disturbance {
 ///
 ///     S: 220 ready          it sends a line (CR LF is added)
 ///     S+ 220-par            it sends bytes as they are
-///     C: USER ann           it waits for exactly this command; C: * takes any
+///     C: USER ann           it waits for exactly this command; C: PWD * any that begins so
 ///     D: some bytes         it sends on the data connection
 ///     U: some bytes         it waits until the client has sent exactly this on the data connection, and its end
 ///     -- take 10            it reads so many bytes from the data connection as they come; U: tells what follows
 ///     -- listen 4001        connects to this port succeed from now on
 ///     -- silent 4001        connects to this port are never answered
 ///     -- accept             it waits for the client's data connection
+///     -- call               it connects to the port that the client has opened last
+///     -- call 10.1.2.3      somebody at this address does; the data connection stays what it was
+///     -- door closed        it waits until the client has closed that port
 ///     -- end                it ends the data connection
 ///     -- break data         it resets the data connection
 ///     -- hold data          it reads no more from the data connection than 10 bytes
@@ -41,9 +44,9 @@ struct Disturbance {
 ///     -- silence            it does nothing any more
 ///
 /// \r \n \t \0 \\ and \xHH stand for bytes. A question for a size that the script does not wait for is answered with
-/// "I know no sizes", so that a client may ask where it likes; SetStrict ends that. A control connection is accepted
-/// where the script needs one. What the client sends against the script makes the server hang up; Complaint tells
-/// where.
+/// "I know no sizes", so that a client may ask where it likes, and one to connect to the client with "I call nobody",
+/// as most servers that anybody can reach would; SetStrict ends both. A control connection is accepted where the script
+/// needs one. What the client sends against the script makes the server hang up; Complaint tells where.
 class ScriptedServer final : public MemoryServer {
 public:
     static constexpr int Port = 21;
@@ -96,6 +99,12 @@ public:
         Extra;
 
     Answer Accept(std::shared_ptr<MemoryLink> link) override;
+
+    void Listening(std::shared_ptr<MemoryDoor> door) override { Door = std::move(door); }
+
+    /// Those that were turned away.
+    std::size_t StrangersLeft() const;
+
     std::vector<asio::ip::address> Find(const std::string& host, bool& silent) override;
 
 private:
@@ -114,9 +123,12 @@ private:
     bool Try(const Step& step);
     bool TryDirective(const std::string& text);
     bool TryConnectionDirective(const std::string& text);
+    void RefuseToCall();
     bool Command(const std::string& wanted);
     bool Take(std::size_t count);
     bool Upload(const std::string& wanted);
+    bool CallClient(const std::string& from);
+    void Watch(const Link& link);
     void SendControl(const std::string& bytes);
     void SendData(const std::string& bytes);
     void Disturb();
@@ -141,7 +153,9 @@ private:
     Link Control;
     Link Data;
     std::vector<std::weak_ptr<MemoryLink>> All;
-    std::set<int> Listening;
+    std::shared_ptr<MemoryDoor> Door;
+    std::vector<Link> Strangers;
+    std::set<int> OpenPorts;
     std::set<int> SilentPorts;
     std::vector<Ftp::Endpoint> Peers;
     std::vector<asio::ip::address> Host{asio::ip::make_address("127.0.0.1")};

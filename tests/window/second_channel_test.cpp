@@ -30,6 +30,7 @@ private slots:
     void ASingleNameNeedsNoSeparator();
     void AnEmptyListDoesNothing();
     void EmptyNamesArePassedOver();
+    void N4ANameWithABarIsNeverAskedFor();
     void TheNameOptionsApply();
     void NothingIsAskedAboutDuplicates();
     void EscapeCancelsBetweenFiles();
@@ -123,6 +124,17 @@ void SecondChannelTest::EmptyNamesArePassedOver()
 {
     const QStringList wanted{"Execute ftp://second | GET a a", "Execute ftp://second | GET b b"};
     QCOMPARE(Bench->Receive("|a||b|"), wanted);
+}
+
+// The bar is what parts the names, so none can hold one.
+void SecondChannelTest::N4ANameWithABarIsNeverAskedFor()
+{
+    for (const char* names : {"a|b", "|cmd", "cmd|", "a||b", "a| |b", "|"}) {
+        const QStringList lines = Bench->Receive(names);
+        for (const QString& line : lines) QVERIFY2(!line.section(" | ", 1).contains(u'|'), qPrintable(line));
+        QVERIFY(!Bench->Inet2.StillExecuting());
+    }
+    QCOMPARE(Bench->Receive("a|b").size(), 2);
 }
 
 void SecondChannelTest::TheNameOptionsApply()

@@ -152,7 +152,7 @@ Task<> ControlConnection::Write(std::string bytes)
 // that has thrown them away must not cost the whole limit.
 Milliseconds ControlConnection::Patience() const
 {
-    return MayBlameAhead() ? Limit / 2 : Limit;
+    return MayBlameAhead() ? Limit / 4 : Limit;
 }
 
 Task<Reply> ControlConnection::Hear()
@@ -221,6 +221,11 @@ bool ControlConnection::IsAlive() const
 Endpoint ControlConnection::Peer() const
 {
     return Line->Stream->Peer();
+}
+
+asio::ip::address ControlConnection::Local() const
+{
+    return Line->Stream->Local();
 }
 
 const Reply& ControlConnection::Last() const

@@ -85,10 +85,16 @@ public:
 
     void SetLimit(Milliseconds limit) { Limit = limit; }
 
+    /// How long the next reply is waited for.
+    Milliseconds Patience() const;
+
     /// False once the server has closed the connection, or has said 421.
     bool IsAlive() const;
 
     Endpoint Peer() const;
+
+    /// This side's address, as Wire::Local.
+    asio::ip::address Local() const;
 
     /// The reply that came last; Code 0 when none has.
     const Reply& Last() const;
@@ -105,7 +111,6 @@ private:
     Task<> Begin(std::string line);
     void DropUnasked();
     Task<> Write(std::string bytes);
-    Milliseconds Patience() const;
     [[noreturn]] void ThrowWhyEnded() const;
 
     std::shared_ptr<Shared> Line;

@@ -1,6 +1,5 @@
 #include "inet/ftp/session.h"
 
-#include "inet/ftp/data_address.h"
 #include "inet/ftp/encoding.h"
 #include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
@@ -15,7 +14,6 @@ namespace Ftp {
 namespace {
 
 constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
-constexpr int LoggedIn = 230;        // the same
 constexpr int ServiceClosing = 421;  // the same
 constexpr int NotLoggedIn = 530;     // the same
 
@@ -34,11 +32,6 @@ enum States {
 bool IsBad(const Reply& reply)
 {
     return reply.KindOf() != Reply::Done;
-}
-
-bool IsReachableByIpv4(const Endpoint& peer)
-{
-    return peer.address().is_v4() || peer.address().to_v6().is_v4_mapped();
 }
 
 constexpr const char* SecureOnlyHint =
@@ -62,8 +55,9 @@ std::string MoveLine(const std::string& name)
 
 }  // namespace
 
-Session::Session(Network& network, Clock& clock, Observer observer)
-    : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask)
+Session::Session(Network& network, Clock& clock, Observer observer, std::shared_ptr<DataWayBook> book)
+    : Net(network), Time(clock), Tell(std::move(observer)), Safe(network, Why, clock, Tell.Ask),
+      Book(book ? std::move(book) : std::make_shared<DataWayBook>())
 {
     // A server may repeat the password in any text that is told.
     Tell.Remark = [this, tell = std::move(Tell.Remark)](const std::string& line) {
@@ -97,6 +91,8 @@ Task<Outcome> Session::Fetch(Target target, Manner manner, std::filesystem::path
 Task<Outcome> Session::Guarded(Task<std::string> work)
 {
     Unfinished = false;
+    WithoutActive = false;
+    Wasted = Milliseconds(0);
     Proof.reset();
     Decided.reset();
     Outcome outcome;
@@ -110,6 +106,7 @@ Task<Outcome> Session::Guarded(Task<std::string> work)
     }
     if (!failure && Why.IsCancelled()) failure = Why.Explain({});
     Why.Reset();
+    Prepared.reset();
     LastUse = Time.Now();
     if (failure) {
         co_await GetInStep();
@@ -161,24 +158,37 @@ bool Session::IsFaultOfAhead(const Failure& failure) const
 }
 
 // A server may close an idle connection just as the next command is on its way to it: that command is given once more,
-// on a new connection, where nobody can have carried it out already. And a server that cannot cope with lines sent
-// ahead gets them one at a time, on a new connection as well.
+// on a new connection, where nobody can have carried it out already. A server that cannot cope with lines sent ahead
+// gets them one at a time, on a new connection as well. And one that does not connect to us is asked for a port.
 Task<std::string> Session::Run(Operation operation)
 {
     if (std::holds_alternative<Close>(operation)) co_return co_await Do(Close{});
     Reused = false;
-    try {
-        Operation copy = operation;
-        co_return co_await RunOnce(std::move(copy));
-    } catch (const Failure& failure) {
-        const bool closed = Reused && MayTryAnew(failure, operation);
-        const bool blamed = IsFaultOfAhead(failure);
-        if (!closed && !blamed) throw;
-        if (!closed) OneAtATime = true;
+    for (;;) {
+        try {
+            Operation copy = operation;
+            co_return co_await RunOnce(std::move(copy));
+        } catch (const Failure& failure) {
+            if (!MayGoOn(failure, Reused && MayTryAnew(failure, operation))) throw;
+        }
     }
+}
+
+/// Whether a failed command is tried once more, for each reason once; makes everything ready for it. What was waited
+/// for in vain is taken off the time-out: however often a command is tried, a silent server costs it one.
+bool Session::MayGoOn(const Failure& failure, bool closed)
+{
+    const bool uncalled = !closed && MayTryOtherWay(failure);
+    const bool blamed = !closed && !uncalled && IsFaultOfAhead(failure);
+    if (!closed && !uncalled && !blamed) return false;
+    if (Why.IsInterrupted()) Wasted += uncalled ? InboundShare : Control->Patience();
+    if (Wasted >= How.Limit) return false;
+    How.Limit -= std::exchange(Wasted, Milliseconds(0));
     Why.ForgiveTimeOut();
-    CloseConnection();
-    co_return co_await RunOnce(std::move(operation));
+    if (blamed) OneAtATime = true;
+    if (uncalled) WithoutActive = true;
+    if (!uncalled || failure.Kind != Failure::Refused) CloseConnection();
+    return true;
 }
 
 Task<std::string> Session::RunOnce(Operation operation)
@@ -186,8 +196,10 @@ Task<std::string> Session::RunOnce(Operation operation)
     Reused = co_await IsStillThere();
     if (!Reused) {
         CloseConnection();
-        std::vector<std::string> ahead = LinesBefore(operation);
-        co_await Connect(std::move(ahead));
+        std::string listing;
+        if (std::holds_alternative<ListFull>(operation)) listing = "LIST";
+        if (std::holds_alternative<ListNames>(operation)) listing = "NLST";
+        co_await Connect(std::move(listing));
     }
     Begin();
     HeardBefore = Control->Heard();
@@ -205,12 +217,14 @@ Task<bool> Session::IsStillThere()
     constexpr Milliseconds ShortWait = std::chrono::seconds(5);
     if (!Control || !Control->IsAlive()) co_return false;
     if (Time.Now() - LastUse < LongIdle) co_return true;
-    Control->SetLimit(std::min(ShortWait, How.Limit));
+    const Milliseconds wait = std::min(ShortWait, How.Limit / 4);
+    Control->SetLimit(wait);
     try {
         const Reply reply = co_await Control->Say("NOOP");
         co_return Control->IsAlive() && reply.Code != NotLoggedIn;
     } catch (const Failure&) {
         if (Why.IsCancelled()) throw;
+        if (Why.IsInterrupted()) How.Limit -= wait;
         Why.ForgiveTimeOut();
     }
     co_return false;
@@ -228,6 +242,17 @@ bool Session::MayTryAnew(const Failure& failure, const Operation& operation) con
 }
 
 Task<std::string> Session::RunFetch(std::string path, std::filesystem::path file)
+{
+    for (;;) {
+        try {
+            co_return co_await FetchOnce(path, file);
+        } catch (const Failure& failure) {
+            if (!MayGoOn(failure, false)) throw;
+        }
+    }
+}
+
+Task<std::string> Session::FetchOnce(std::string path, std::filesystem::path file)
 {
     co_await Connect({});
     Begin();
@@ -271,14 +296,16 @@ void Session::Drop()
 void Session::CloseConnection()
 {
     Control.reset();
+    Inbound.reset();
+    Prepared.reset();
     Ready = false;
     Can = {};
     Type = 'A';
     Why.Rest();
 }
 
-// `ahead` is what will be said once the working folder is reached.
-Task<> Session::Connect(std::vector<std::string> ahead)
+// `listing` is the command that will be given once the working folder is reached, where it is one for a listing.
+Task<> Session::Connect(std::string listing)
 {
     CloseConnection();
     Tell.State(ResolvingHost);
@@ -292,17 +319,17 @@ Task<> Session::Connect(std::vector<std::string> ahead)
     Tell.State(Connecting);
     std::shared_ptr<Wire> wire = co_await ConnectToFirst(Net, Why, Time, How.Limit, endpoints);
     Tell.State(Connected);
-    bool loggedIn = co_await TryLogIn(std::move(wire), ahead);
+    bool loggedIn = co_await TryLogIn(std::move(wire), listing);
     while (!loggedIn) {
         wire = co_await ConnectToFirst(Net, Why, Time, How.Limit, endpoints);
-        loggedIn = co_await TryLogIn(std::move(wire), ahead);
+        loggedIn = co_await TryLogIn(std::move(wire), listing);
     }
     co_await EnterFolders();
     Ready = true;
 }
 
 // A server may lose patience while the user looks at its certificate; then it is called once more.
-Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead)
+Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::string listing)
 {
     wire = Safe.WrapControl(std::move(wire), Where.Host, Where.Safety);
     Control = std::make_unique<ControlConnection>(std::move(wire), Net, Why, Time, How.Limit);
@@ -312,7 +339,7 @@ Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string
     Can = {};
     Type = 'A';
     try {
-        co_await LogIn(std::move(ahead));
+        co_await LogIn(std::move(listing));
     } catch (const Failure& failure) {
         if (!Safe.HasAsked() || failure.Kind != Failure::Connection || Why.IsInterrupted()) throw;
         co_return false;
@@ -320,8 +347,10 @@ Task<bool> Session::TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string
     co_return true;
 }
 
-Task<> Session::LogIn(std::vector<std::string> ahead)
+Task<> Session::LogIn(std::string listing)
 {
+    std::vector<std::string> ahead;
+    if (!listing.empty()) ahead = LinesBefore('A', {}, std::move(listing));
     for (auto move = Moves.rbegin(); move != Moves.rend(); ++move) ahead.insert(ahead.begin(), MoveLine(*move));
     if (!Where.Path.empty()) ahead.insert(ahead.begin(), "CWD " + Where.Path);
     // A name in other letters has a question in front of it.
@@ -371,98 +400,6 @@ Task<> Session::SetType(char type)
     std::string command = std::string("TYPE ") + type;
     (void)co_await Control->Expect(std::move(command));
     Type = type;
-}
-
-/// What is going to be said first for an operation that begins a session, as far as that is sure.
-std::vector<std::string> Session::LinesBefore(const Operation& operation) const
-{
-    if (std::holds_alternative<ListFull>(operation)) return LinesBefore('A', {}, "LIST");
-    if (std::holds_alternative<ListNames>(operation)) return LinesBefore('A', {}, "NLST");
-    return {};
-}
-
-// The command goes with them only where the port that it needs will surely be one that can be reached.
-std::vector<std::string> Session::LinesBefore(char type, const std::string& sized, std::string command) const
-{
-    std::vector<std::string> lines;
-    if (Type != type) lines.push_back(std::string("TYPE ") + type);
-    lines.push_back(PassiveLine());
-    if (!sized.empty() && Can.Size) lines.push_back("SIZE " + sized);
-    if (Can.PassiveWorked) lines.push_back(std::move(command));
-    return lines;
-}
-
-// Secure servers were seen to mind; what they cost in round trips the handshakes exceed by far.
-bool Session::MaySendAhead() const
-{
-    return Where.Safety == Protection::None && !OneAtATime && !Control->IsOdd();
-}
-
-Task<> Session::SendAhead(std::vector<std::string> lines)
-{
-    if (!MaySendAhead() || lines.size() < 2) co_return;
-    if (Control->IsAhead()) {
-        if (!Control->IsOnlyAhead(lines.front())) co_return;
-        lines.erase(lines.begin());
-    }
-    co_await Control->SendAhead(std::move(lines));
-}
-
-// While this side gets ready for the next file the server makes its port.
-Task<> Session::AskForNextPort()
-{
-    if (!How.MoreToCome || !MaySendAhead() || !Can.PassiveWorked) co_return;
-    try {
-        std::vector<std::string> lines(1, PassiveLine());
-        co_await Control->SendAhead(std::move(lines));
-    } catch (const Failure&) {
-        // The next command will find the connection closed.
-    }
-}
-
-// EPSV (RFC 2428) works for both kinds of addresses and through translators of addresses; PASV is what older servers
-// know. Only the port is the server's choice: the connection goes to where the control connection leads.
-Task<std::shared_ptr<Wire>> Session::OpenData()
-{
-    const bool canFallBack = IsReachableByIpv4(Control->Peer());
-    Failure failure{};
-    if (Can.ExtendedPassive) {
-        try {
-            const bool ahead = Control->IsAhead();
-            Reply reply = co_await Control->Expect("EPSV");
-            if (ahead && reply.Code == LoggedIn) reply = co_await Control->HearInstead();
-            const std::optional<int> port = ExtendedPort(reply);
-            if (!port) throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data."};
-            co_return co_await TryPort(*port, canFallBack ? How.Limit / 2 : How.Limit);
-        } catch (const Failure& thrown) {
-            failure = Why.Explain(thrown);
-        }
-        if (!canFallBack || Why.IsInterrupted() || failure.Code == ServiceClosing) throw Failure(failure);
-        // The command that waits for this connection at the server cannot be taken back.
-        if (failure.Kind != Failure::Refused && Control->IsAhead()) throw Failure(failure);
-        Can.ExtendedPassive = false;
-    }
-    const Reply reply = co_await Control->Expect("PASV");
-    const std::optional<int> port = PassivePort(reply);
-    if (!port) throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data."};
-    co_return co_await TryPort(*port, How.Limit);
-}
-
-Task<std::shared_ptr<Wire>> Session::TryPort(int port, Milliseconds limit)
-{
-    // Nobody would find data there, but a greeting.
-    if (port == Control->Peer().port())
-        throw Failure{Failure::Protocol, ResponseError, "The server offers no port for the data but its own."};
-    std::shared_ptr<Wire> wire = Net.NewWire();
-    Guard guard(Why, Time, *wire, limit);
-    try {
-        co_await wire->Connect(Endpoint(Control->Peer().address(), static_cast<std::uint16_t>(port)));
-    } catch (const Failure&) {
-        if (limit < How.Limit && !Why.IsCancelled()) guard.Forgive();
-        throw;
-    }
-    Can.PassiveWorked = true;
-    co_return wire;
 }
 
 }  // namespace Ftp

@@ -2,7 +2,9 @@
 
 #include "inet/ftp/control_connection.h"
 #include "inet/ftp/data_ends.h"
+#include "inet/ftp/data_way.h"
 #include "inet/ftp/guard.h"
+#include "inet/ftp/inbound_wire.h"
 #include "inet/ftp/operation.h"
 #include "inet/ftp/progress.h"
 #include "inet/ftp/proxy_address.h"
@@ -15,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -70,7 +73,8 @@ struct Observer {
 /// transfer thread only.
 class Session {
 public:
-    Session(Network& network, Clock& clock, Observer observer);
+    /// `book` remembers the ways to the servers' data; without one the session remembers for itself.
+    Session(Network& network, Clock& clock, Observer observer, std::shared_ptr<DataWayBook> book = {});
     ~Session();
 
     /// Carries out an operation, connecting first where there is no connection. Local names are looked for in
@@ -98,28 +102,33 @@ public:
 
 private:
     struct Capabilities {
-        bool ExtendedPassive = true;  ///< EPSV has not been refused yet
-        bool PassiveWorked = false;   ///< a data connection to a port of the server has been made
-        bool LinesAsNames = true;     ///< no listing line has been refused as a name yet
-        bool Utf8Asked = false;       ///< the server has been asked to speak UTF-8, or cannot
-        bool Size = true;             ///< SIZE has not been called unknown yet
-        bool SizeWorked = false;      ///< SIZE has been answered with a figure
+        std::set<DataWay> Failed;    ///< the ways to a data connection that have led nowhere
+        bool PassiveWorked = false;  ///< a data connection to a port of the server has been made
+        bool LinesAsNames = true;    ///< no listing line has been refused as a name yet
+        bool Utf8Asked = false;      ///< the server has been asked to speak UTF-8, or cannot
+        bool Size = true;            ///< SIZE has not been called unknown yet
+        bool SizeWorked = false;     ///< SIZE has been answered with a figure
     };
 
     // Connecting
-    Task<> Connect(std::vector<std::string> ahead);
+    Task<> Connect(std::string listing);
     Task<bool> IsStillThere();
     bool MayTryAnew(const Failure& failure, const Operation& operation) const;
-    Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::vector<std::string> ahead);
-    Task<> LogIn(std::vector<std::string> ahead);
+    Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::string listing);
+    Task<> LogIn(std::string listing);
     Task<> EnterFolders();
     Task<> HangUp();
     void CloseConnection();
 
     // Data connections
     Task<std::shared_ptr<Wire>> OpenData();
-    Task<std::optional<int>> AskForPort(bool extended);
-    Task<std::shared_ptr<Wire>> TryPort(int port, Milliseconds limit);
+    std::vector<DataWay> Ways() const;
+    Task<std::shared_ptr<Wire>> OpenBy(DataWay way, Milliseconds share);
+    Task<int> AskForPort(DataWay way);
+    Task<std::shared_ptr<Wire>> TryPort(int port, Milliseconds share);
+    Task<std::shared_ptr<Wire>> OfferPort(Milliseconds share);
+    std::shared_ptr<InboundWire> OpenPort() const;
+    bool MayTryOtherWay(const Failure& failure) const;
     Task<> SetType(char type);
 
     // Operations; each returns what was asked for
@@ -143,17 +152,16 @@ private:
     Task<std::string> ListInUtf8(std::string command);
 
     // Lines that can be sent before the ones ahead of them are answered
-    std::vector<std::string> LinesBefore(const Operation& operation) const;
-    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command) const;
+    std::vector<std::string> LinesBefore(char type, const std::string& sized, std::string command);
     bool MaySendAhead() const;
     Task<> SendAhead(std::vector<std::string> lines);
     Task<> AskForNextPort();
 
-    std::string PassiveLine() const { return Can.ExtendedPassive ? "EPSV" : "PASV"; }
-
     Task<std::string> Run(Operation operation);
     Task<std::string> RunOnce(Operation operation);
     Task<std::string> RunFetch(std::string path, std::filesystem::path file);
+    Task<std::string> FetchOnce(std::string path, std::filesystem::path file);
+    bool MayGoOn(const Failure& failure, bool closed);
     Task<Outcome> Guarded(Task<std::string> work);
     Task<> GetInStep();
     bool IsFaultOfAhead(const Failure& failure) const;
@@ -164,12 +172,13 @@ private:
     Task<Reply> Retrieve(std::string name, Sink& sink);
     Task<> CheckCut(std::string name, const Transfer& transfer);
     Task<std::optional<std::uint64_t>> AskSize(std::string name);
+    Task<std::optional<std::uint64_t>> AskSizeAfterwards(std::string name);
     Task<> CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size);
     Task<> CheckSent(std::string name, const Transfer& transfer);
     Task<Reply> SayWithName(std::string command, std::string text, std::string* accepted);
     void Begin();
 
-    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress, &Safe}; }
+    TransferMeans Means() { return {Net, Why, Time, How.Limit, Tell.Progress, &Safe, Inbound, InboundShare}; }
 
     // Listing lines given as names
     std::optional<std::string> NameInLine(const std::string& text) const;
@@ -186,19 +195,25 @@ private:
     std::filesystem::path Folder;
 
     TlsSession Safe;
+    std::shared_ptr<DataWayBook> Book;
     std::unique_ptr<ControlConnection> Control;
     bool Ready = false;                 ///< logged in, and in the working folder
     bool Unfinished = false;            ///< a transfer is under way: its replies are still owed
     bool OneAtATime = false;            ///< what was sent ahead to this server has done harm once
     std::optional<Confirmation> Proof;  ///< of the transfer that the running command has made
     bool Reused = false;                ///< the running command goes over a connection that was there before
+    bool WithoutActive = false;         ///< the running command has waited in vain for the server to connect
     std::size_t HeardBefore = 0;        ///< replies on it before that command
     std::optional<Reply> Decided;       ///< the reply that counts, where another one came after it
     Capabilities Can;
-    Milliseconds LastUse{0};         ///< when the last operation ended
-    char Type = 'A';                 ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
-    std::vector<std::string> Moves;  ///< changes of folder since log-in; an empty one leads up
-    std::string LastListing;         ///< the reply of the last LIST
+    std::shared_ptr<InboundWire> Inbound;   ///< the data connection of the running command, where the server makes it
+    std::shared_ptr<InboundWire> Prepared;  ///< the next one, where the server is told of it ahead
+    Milliseconds InboundShare{0};           ///< of the time-out, for making it
+    Milliseconds Wasted{0};                 ///< of the time-out, on data connections that did not come about
+    Milliseconds LastUse{0};                ///< when the last operation ended
+    char Type = 'A';                        ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
+    std::vector<std::string> Moves;         ///< changes of folder since log-in; an empty one leads up
+    std::string LastListing;                ///< the reply of the last LIST
 };
 
 }  // namespace Ftp

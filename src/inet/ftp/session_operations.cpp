@@ -209,16 +209,33 @@ Task<std::optional<std::uint64_t>> Session::AskSize(std::string name)
     co_return size;
 }
 
-// What was announced before the transfer may have been a guess, or the file has changed since; when less came, the
-// server is asked again.
+// The server has confirmed the file already; that it went away since changes nothing.
+Task<std::optional<std::uint64_t>> Session::AskSizeAfterwards(std::string name)
+{
+    try {
+        co_return co_await AskSize(std::move(name));
+    } catch (const Failure&) {
+        if (Why.IsCancelled()) throw;
+        Why.ForgiveTimeOut();
+    }
+    co_return std::nullopt;
+}
+
+// What was announced before the transfer may have been a guess, or the file has changed since; when less came, or more
+// than SIZE has said, the server is asked again. More than it has is a file that was changed on the way, as by servers
+// that write line ends anew.
 Task<> Session::CheckReceived(std::string name, const Transfer& transfer, std::optional<std::uint64_t> size)
 {
     Proof = Confirmation{transfer.Bytes(), size == transfer.Bytes()};
     const std::optional<std::uint64_t> announced = size ? size : AnnouncedSize(transfer.Opening());
-    if (!announced || transfer.Bytes() >= *announced) co_return;
-    const std::optional<std::uint64_t> now = co_await AskSize(std::move(name));
+    const bool isMore = size && transfer.Bytes() > *size;
+    if (!announced || (!isMore && transfer.Bytes() >= *announced)) co_return;
+    const std::optional<std::uint64_t> now = co_await AskSizeAfterwards(std::move(name));
     Proof->BySize = now == transfer.Bytes();
-    if (now && transfer.Bytes() >= *now) co_return;
+    if (now && transfer.Bytes() > *now)
+        Tell.Remark("The file has " + std::to_string(transfer.Bytes()) + " bytes here and " + std::to_string(*now) +
+                    " at the server: it was changed on the way, or is being written.");
+    if (isMore || (now && transfer.Bytes() >= *now)) co_return;
     throw Failure{Failure::Protocol, ResponseError,
                   "The file arrived incomplete: " + std::to_string(transfer.Bytes()) + " of " +
                       std::to_string(now.value_or(*announced)) + " bytes."};
@@ -230,14 +247,7 @@ Task<> Session::CheckSent(std::string name, const Transfer& transfer)
     Proof = Confirmation{transfer.Bytes(), false};
     const bool inVain = transfer.WasSentInVain();
     if (!inVain && (!Can.SizeWorked || transfer.Bytes() < SizeAskedFrom)) co_return;
-    std::optional<std::uint64_t> size;
-    try {
-        size = co_await AskSize(std::move(name));
-    } catch (const Failure&) {
-        // The server has confirmed the file already; that it went away since changes nothing.
-        if (Why.IsCancelled()) throw;
-        Why.ForgiveTimeOut();
-    }
+    const std::optional<std::uint64_t> size = co_await AskSizeAfterwards(std::move(name));
     Proof->BySize = size == transfer.Bytes();
     if (inVain && !size)
         throw Failure{Failure::Connection, ResetError,

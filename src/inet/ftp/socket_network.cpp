@@ -36,15 +36,18 @@ class SocketWire final : public Wire {
 public:
     explicit SocketWire(const asio::any_io_executor& executor) : Socket(executor) {}
 
+    /// Of a connection that the other side has made.
+    SocketWire(asio::ip::tcp::socket socket, Endpoint peer) : Socket(std::move(socket)), Other(std::move(peer))
+    {
+        SetUp();
+    }
+
     Task<> Connect(Endpoint endpoint) override
     {
         asio::error_code error;
         co_await Socket.async_connect(endpoint, asio::redirect_error(asio::use_awaitable, error));
         if (error) throw ConnectFailure(error);
-        asio::error_code ignored;
-        Socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-        Socket.set_option(asio::socket_base::keep_alive(true), ignored);
-        Socket.native_non_blocking(true, ignored);
+        SetUp();
         Other = endpoint;
     }
 
@@ -87,6 +90,12 @@ public:
 
     Endpoint Peer() const override { return Other; }
 
+    asio::ip::address Local() const override
+    {
+        asio::error_code ignored;
+        return Socket.local_endpoint(ignored).address();
+    }
+
     // The system's handles fit into 32 bits everywhere.
     int NativeSocket() const override
     {
@@ -94,6 +103,14 @@ public:
     }
 
 private:
+    void SetUp()
+    {
+        asio::error_code ignored;
+        Socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+        Socket.set_option(asio::socket_base::keep_alive(true), ignored);
+        Socket.native_non_blocking(true, ignored);
+    }
+
     Task<> Wait(asio::ip::tcp::socket::wait_type what)
     {
         asio::error_code error;
@@ -103,6 +120,44 @@ private:
 
     asio::ip::tcp::socket Socket;
     Endpoint Other;
+};
+
+class SocketListener final : public Listener {
+public:
+    explicit SocketListener(const asio::any_io_executor& executor) : Door(executor) {}
+
+    std::uint16_t Listen(const asio::ip::address& address) override
+    {
+        const Endpoint anyPort(address, 0);
+        asio::error_code error;
+        Door.open(anyPort.protocol(), error);
+        if (!error) Door.bind(anyPort, error);
+        if (!error) Door.listen(asio::socket_base::max_listen_connections, error);
+        const Endpoint here = error ? Endpoint() : Door.local_endpoint(error);
+        if (error)
+            throw Failure{Failure::Connection, ConnectError,
+                          "No port could be opened for the data (" + TextOf(error) + ")."};
+        return here.port();
+    }
+
+    Task<std::shared_ptr<Wire>> Accept() override
+    {
+        Endpoint peer;
+        asio::error_code error;
+        asio::ip::tcp::socket caller =
+            co_await Door.async_accept(peer, asio::redirect_error(asio::use_awaitable, error));
+        if (error) throw ConnectionFailure(error);
+        co_return std::make_shared<SocketWire>(std::move(caller), peer);
+    }
+
+    void Abort() override
+    {
+        asio::error_code ignored;
+        Door.close(ignored);
+    }
+
+private:
+    asio::ip::tcp::acceptor Door;
 };
 
 /// What the thread that asks the system and the one that waits for it share. The system's look-up cannot be
@@ -181,6 +236,11 @@ private:
 std::shared_ptr<Wire> SocketNetwork::NewWire()
 {
     return std::make_shared<SocketWire>(Where);
+}
+
+std::shared_ptr<Listener> SocketNetwork::NewListener()
+{
+    return std::make_shared<SocketListener>(Where);
 }
 
 std::shared_ptr<Lookup> SocketNetwork::NewLookup()

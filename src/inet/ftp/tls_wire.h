@@ -52,6 +52,8 @@ public:
 
     Endpoint Peer() const override { return Inner->Peer(); }
 
+    asio::ip::address Local() const override { return Inner->Local(); }
+
     int NativeSocket() const override { return -1; }
 
     bool EndedProperly() const override { return !IsCut; }

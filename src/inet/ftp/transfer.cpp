@@ -75,13 +75,13 @@ void Transfer::Note(const Reply& reply)
     Final = reply;
     Refused = reply.KindOf() != Reply::Done;
     if (Refused) Data->Abort();
-    if (Lingering) EndLingerSoon();
+    if (Lingering || Arriving) EndLingerSoon();
 }
 
 // Without a word from the server and without a byte of data there is nothing to wait for any more.
 void Transfer::NoteEnd()
 {
-    if (!Begun && First.Code == 0 && Final.Code == 0) Data->Abort();
+    if (Arriving || (!Begun && First.Code == 0 && Final.Code == 0)) Data->Abort();
 }
 
 // The server agrees with a preliminary reply, or by an early final one.
@@ -100,7 +100,8 @@ Task<Reply> Transfer::Receive(Sink& sink)
 
 Task<Reply> Transfer::Send(SourceFile& file, const std::filesystem::path& path, bool eager)
 {
-    if (!eager) co_await WaitForConsent();
+    // By connecting it agrees as well.
+    if (!eager && !Use.Inbound) co_await WaitForConsent();
     if (Refused) co_return co_await HearEnd();
     Task<> moving = Pour(file, path);
     co_return co_await Finish(std::move(moving));
@@ -138,8 +139,21 @@ Task<> Transfer::HearOne()
     if (reply.KindOf() != Reply::Preliminary) Heard = true;
 }
 
+Task<> Transfer::WaitForArrival()
+{
+    if (!Use.Inbound || Refused) co_return;
+    const Guard guard(Use.Why, Use.Time, *Data, Use.InboundLimit);
+    Arriving = true;
+    if (Final.Code != 0) EndLingerSoon();
+    if (!Control.IsAlive()) Data->Abort();
+    co_await Use.Inbound->Arrive();
+    Arriving = false;
+    LingerEnds.reset();
+}
+
 Task<> Transfer::Drain(Sink& sink)
 {
+    co_await WaitForArrival();
     {
         Guard guard(Use.Why, Use.Time, *Data, Use.Limit);
         const Watching watching(Watch, guard);
@@ -195,6 +209,7 @@ Task<> Transfer::DrainByBuffer(Sink& sink)
 
 Task<> Transfer::Pour(SourceFile& file, const std::filesystem::path& path)
 {
+    co_await WaitForArrival();
     if (Data->NativeSocket() >= 0)
         co_await PourByPump(file, path);
     else

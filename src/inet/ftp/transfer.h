@@ -2,6 +2,7 @@
 
 #include "inet/ftp/control_connection.h"
 #include "inet/ftp/data_ends.h"
+#include "inet/ftp/inbound_wire.h"
 #include "inet/ftp/progress.h"
 #include "inet/ftp/tls_session.h"
 
@@ -19,7 +20,9 @@ struct TransferMeans {
     Clock& Time;
     Milliseconds Limit;
     const ProgressMeter::Listener& Tell;
-    TlsSession* Safe;  ///< protects the data connection
+    TlsSession* Safe;                      ///< protects the data connection
+    std::shared_ptr<InboundWire> Inbound;  ///< where the server is to make the data connection: that one
+    Milliseconds InboundLimit;             ///< for making it
 };
 
 /// One transfer: the data connection and the replies that go with it (RFC 959, 3.2 and 5.4). It succeeds only when
@@ -63,6 +66,7 @@ private:
 
     static Task<> WatchAftermath(std::shared_ptr<Wire> data, std::shared_ptr<Aftermath> after);
     Task<> WaitForConsent();
+    Task<> WaitForArrival();
     Task<> Linger();
     void EndLingerSoon();
     Task<> Drain(Sink& sink);
@@ -85,6 +89,7 @@ private:
     bool Heard = false;                        ///< the final one has been taken off the control connection
     bool Refused = false;                      ///< the server has ended the transfer otherwise than well
     bool Begun = false;                        ///< data has begun to come
+    bool Arriving = false;                     ///< the server has yet to make the data connection
     bool Lingering = false;                    ///< everything is sent, the server's end is still to come
     std::unique_ptr<Clock::Alarm> LingerEnds;  ///< for a server that never ends what it has confirmed
     std::shared_ptr<Aftermath> After;          ///< of what was sent

@@ -76,6 +76,11 @@ public:
 
     Endpoint Peer() const override { return Other; }
 
+    asio::ip::address Local() const override
+    {
+        return Road->Via.Kind == Proxy::None ? Inner->Local() : asio::ip::address();
+    }
+
     // Once the proxy has agreed the bytes pass as they are.
     int NativeSocket() const override { return Inner->NativeSocket(); }
 

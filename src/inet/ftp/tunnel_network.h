@@ -14,8 +14,8 @@ namespace Ftp {
 /// port and finds the way from there.
 ///
 /// Behind a proxy a host has no address of its own: the endpoints that a look-up finds are those of the proxy with the
-/// host's port, and the peer of a wire has no address, which is also what leads back to the same proxy. Transfer thread
-/// only.
+/// host's port, and the peer of a wire has no address, which is also what leads back to the same proxy; nor has this
+/// side one that the host could connect to. Transfer thread only.
 class TunnelNetwork final : public Network {
 public:
     /// Asks how the system is set up to reach a host; may take long, and is called on threads of its own.
@@ -29,6 +29,8 @@ public:
 
     std::shared_ptr<Wire> NewWire() override;
     std::shared_ptr<Lookup> NewLookup() override;
+
+    std::shared_ptr<Listener> NewListener() override { return Behind.NewListener(); }
 
     asio::any_io_executor Executor() override { return Behind.Executor(); }
 

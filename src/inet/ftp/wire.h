@@ -53,6 +53,9 @@ public:
     /// Where the stream leads.
     virtual Endpoint Peer() const = 0;
 
+    /// The address of this side; an unspecified one where the other side could not connect to it.
+    virtual asio::ip::address Local() const { return {}; }
+
     /// The plain, non-blocking socket that carries the bytes as they are, or -1 when there is none.
     virtual int NativeSocket() const = 0;
 };
@@ -64,12 +67,24 @@ public:
     virtual Task<std::vector<Endpoint>> Find(std::string host, std::uint16_t port) = 0;
 };
 
-/// Makes wires and look-ups: sockets in the program, memory in tests.
+/// A port of this computer that the other side can connect to, until it is given up. Waits throw Failure of the kind
+/// Connection.
+class Listener : public Abortable {
+public:
+    /// Opens a free port at this address and returns its number; once, before everything else.
+    virtual std::uint16_t Listen(const asio::ip::address& address) = 0;
+
+    /// The next connection, whoever has made it: its Peer tells.
+    virtual Task<std::shared_ptr<Wire>> Accept() = 0;
+};
+
+/// Makes wires, look-ups and listeners: sockets in the program, memory in tests.
 class Network {
 public:
     virtual ~Network() = default;
     virtual std::shared_ptr<Wire> NewWire() = 0;
     virtual std::shared_ptr<Lookup> NewLookup() = 0;
+    virtual std::shared_ptr<Listener> NewListener() = 0;
     virtual asio::any_io_executor Executor() = 0;
 };
 
