@@ -1,7 +1,9 @@
+#include "platform/short_path.h"
 #include "shell/sole_input.h"
 #include "support/window_fixture.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -79,11 +81,8 @@ void CloseInMidstTest::CloseWhenBusy()
 
 void CloseInMidstTest::Stored()
 {
-    QFile file(Program->SettingsFile());
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
-    QVERIFY(text.contains("SaveURL=ftp://files.example\n"));
-    QVERIFY(text.contains("SaveDrive=" + Program->LocalFolder().toUtf8() + "\n"));
+    QCOMPARE(Program->Setting("SaveURL"), QString("ftp://files.example"));
+    QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
 }
 
 void CloseInMidstTest::OfAConnect()

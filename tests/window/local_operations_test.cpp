@@ -73,7 +73,7 @@ private:
         PanelDriver::LeftClick(Files(), static_cast<int>(Files().Entries().indexOf(name)));
     }
 
-    QString PathOf(const QString& name) const { return CurrentFolder() + '/' + name; }
+    QString PathOf(const QString& name) const { return QDir::toNativeSeparators(CurrentFolder() + '/' + name); }
 
     bool Exists(const QString& name) const { return QFile::exists(PathOf(name)); }
 

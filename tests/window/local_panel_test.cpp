@@ -39,17 +39,36 @@ private slots:
     void TheDriveListFollowsTheFolder();
     void ADriveThatIsGoneIsToldAndTheListGoesBack();
     void TheFreeSpaceIsShown();
+#ifndef Q_OS_WIN
     void NamesThatAreNoTextAreShownHarmlesslyAndKept();
+#endif
     void AFolderOfThousandsIsShownWhole();
 
 private:
-    ListBox& Folders() const { return Driver->Control<ListBox>("Dir1"); }
+    ListBox& Folders() const
+    {
+        return Driver->Control<ListBox>("Dir1");
+    }
 
-    QComboBox& Filter() const { return Driver->Control<QComboBox>("Combo2"); }
+    static QString Root()
+    {
+        return QDir::toNativeSeparators(QDir::rootPath());
+    }
 
-    QStringList FolderNames() const { return Folders().Entries(); }
+    QComboBox& Filter() const
+    {
+        return Driver->Control<QComboBox>("Combo2");
+    }
 
-    int RowOf(const QString& folder) const { return static_cast<int>(FolderNames().lastIndexOf(folder)); }
+    QStringList FolderNames() const
+    {
+        return Folders().Entries();
+    }
+
+    int RowOf(const QString& folder) const
+    {
+        return static_cast<int>(FolderNames().lastIndexOf(folder));
+    }
 
     void DoubleClickFolder(const QString& folder) const
     {
@@ -202,8 +221,8 @@ void LocalPanelTest::TheFolderListShowsTheWayDownAndTheSubFolders()
     QVERIFY(QDir(Driver->LocalFolder()).mkdir("zoo"));
     QVERIFY(QDir(Driver->LocalFolder()).mkdir("Bar"));
     Driver->Open();
-    const QStringList way = CurrentFolder().split('/', Qt::SkipEmptyParts);
-    QCOMPARE(FolderNames(), QStringList{"/"} + way + (QStringList{"Bar", "zoo"}));
+    const QStringList way = CurrentFolder().mid(Root().size()).split(QDir::separator(), Qt::SkipEmptyParts);
+    QCOMPARE(FolderNames(), QStringList{Root()} + way + (QStringList{"Bar", "zoo"}));
     QCOMPARE(Folders().currentIndex().row(), static_cast<int>(way.size()));
 }
 
@@ -283,11 +302,11 @@ void LocalPanelTest::TheDriveListHoldsTheRootAndMovesThere()
 {
     Driver->Open();
     auto& drives = Driver->Control<QComboBox>("Drive1");
-    const int root = drives.findText("/");
+    const int root = drives.findText(Root());
     QVERIFY(root >= 0);
     Pick(drives, root);
-    QCOMPARE(CurrentFolder(), QString("/"));
-    QCOMPARE(FolderNames().value(0), QString("/"));
+    QCOMPARE(CurrentFolder(), Root());
+    QCOMPARE(FolderNames().value(0), Root());
     QCOMPARE(Folders().currentIndex().row(), 0);
 }
 
@@ -296,8 +315,8 @@ void LocalPanelTest::TheDriveListFollowsTheFolder()
     Driver->Open();
     auto& drives = Driver->Control<QComboBox>("Drive1");
     QVERIFY(CurrentFolder().startsWith(drives.currentText()));
-    DoubleClickFolder("/");
-    QCOMPARE(drives.currentText(), QString("/"));
+    DoubleClickFolder(Root());
+    QCOMPARE(drives.currentText(), Root());
 }
 
 void LocalPanelTest::ADriveThatIsGoneIsToldAndTheListGoesBack()
@@ -325,6 +344,7 @@ void LocalPanelTest::TheFreeSpaceIsShown()
     QVERIFY(figure.toULongLong() > 0);
 }
 
+#ifndef Q_OS_WIN
 void LocalPanelTest::NamesThatAreNoTextAreShownHarmlesslyAndKept()
 {
     const std::filesystem::path odd = FilePath(Driver->LocalFolder()) / "caf\xE9";
@@ -335,6 +355,7 @@ void LocalPanelTest::NamesThatAreNoTextAreShownHarmlesslyAndKept()
              QString("caf") + QChar(QChar::ReplacementCharacter));
     std::filesystem::remove(odd);
 }
+#endif
 
 void LocalPanelTest::AFolderOfThousandsIsShownWhole()
 {

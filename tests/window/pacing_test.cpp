@@ -2,6 +2,7 @@
 #include "support/panel_driver.h"
 
 #include <QAbstractSlider>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QMessageBox>
 #include <QPushButton>
@@ -473,7 +474,7 @@ void PacingTest::TheAlarmPlaysAfterTheLastFile()
         if (state == Inet::ResponseCompleted) played += Driver->Sounds.size();
     });
     Driver->Click(sending ? "Image1" : "Image2");
-    QCOMPARE(Driver->Sounds, QStringList{Driver->HomeFolder() + "/Alarm.WAV"});
+    QCOMPARE(Driver->Sounds, QStringList{Driver->HomeFolder() + QDir::separator() + "Alarm.WAV"});
     QCOMPARE(played.first(2), (QList<qsizetype>{0, 1}));
 }
 

@@ -121,7 +121,7 @@ void PanelFollowsTest::ANewSubFolderAppears()
     QTRY_COMPARE(Folders().Entries().last(), QString("deeper"));
     QCOMPARE(Folders().Entry(Folders().ListIndex()), here);
     PanelDriver::DoubleClick(Folders(), Folders().Count() - 1);
-    QVERIFY(CurrentFolder().endsWith("/deeper"));
+    QVERIFY(CurrentFolder().endsWith(QDir::separator() + QString("deeper")));
 }
 
 void PanelFollowsTest::TheSelectionStays()
@@ -200,7 +200,7 @@ void PanelFollowsTest::TheFolderThatWasMovedToIsFollowed()
     QVERIFY(QDir().mkdir(Inside("deeper")));
     Driver->Open();
     PanelDriver::DoubleClick(Folders(), Folders().Count() - 1);
-    QVERIFY(CurrentFolder().endsWith("/deeper"));
+    QVERIFY(CurrentFolder().endsWith(QDir::separator() + QString("deeper")));
     Driver->MakeFile("deeper/new");
     QTRY_COMPARE(Files().Entries(), QStringList("new"));
 }

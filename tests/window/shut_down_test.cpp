@@ -1,9 +1,10 @@
+#include "platform/short_path.h"
 #include "support/window_fixture.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
-#include <QFile>
+#include <QDir>
 #include <QLineEdit>
 
 class ShutDownTest : public QObject {
@@ -89,7 +90,7 @@ void ShutDownTest::ClosingStoresTheFolder()
     Program->Store("DriveSav", saving);
     Program->Open();
     Program->Close();
-    QCOMPARE(Program->Setting("SaveDrive"), Program->LocalFolder());
+    QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
     QCOMPARE(Program->Values->Start.ExitFolder, Program->LocalFolder());
 }
 
@@ -115,11 +116,8 @@ void ShutDownTest::TheSettingsAreOnTheDiskWhenTheWindowIsClosed()
     Program->Open();
     Connect("ftp://files.example", "ann", "secret");
     Program->Window->close();
-    QFile file(Program->SettingsFile());
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray text = file.readAll();
-    QVERIFY(text.contains("SaveURL=ftp://files.example\n"));
-    QVERIFY(text.contains("SaveDrive=" + Program->LocalFolder().toUtf8() + "\n"));
+    QCOMPARE(Program->Setting("SaveURL"), QString("ftp://files.example"));
+    QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
 }
 
 void ShutDownTest::EveryOtherWindowIsClosed()
@@ -151,7 +149,7 @@ void ShutDownTest::TheExitEntryClosesTheWindow()
     Program->Open();
     Program->Choose("mnuExit");
     QVERIFY(!Program->Window->isVisible());
-    QCOMPARE(Program->Setting("SaveDrive"), Program->LocalFolder());
+    QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
 }
 
 void ShutDownTest::TheProgramEndsWithTheWindow()
@@ -169,7 +167,7 @@ void ShutDownTest::ASecondCloseChangesNothing()
     Program->Window->close();
     ChangeCurrentFolder("/");
     Program->Window->close();
-    QCOMPARE(Program->Setting("SaveDrive"), Program->LocalFolder());
+    QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
     QCOMPARE(Program->Quits, 1);
 }
 

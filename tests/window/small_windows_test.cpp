@@ -240,7 +240,7 @@ void SmallWindowsTest::MoreHelpOpensTheManual()
     QVERIFY(manual.open(QIODevice::WriteOnly));
     Program->Questions.Answers = {Answer::Yes};
     Program->Choose("mnuHelp2");
-    QCOMPARE(Program->Edited, QStringList{manual.fileName()});
+    QCOMPARE(Program->Edited, QStringList{QDir::toNativeSeparators(manual.fileName())});
     QCOMPARE(Program->Questions.Questions.size(), std::size_t(1));
 }
 

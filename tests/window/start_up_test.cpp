@@ -101,7 +101,7 @@ void StartUpTest::AFirstStartShowsTheCurrentFolder()
     QFile file(Program->LocalFolder() + "/here.txt");
     QVERIFY(file.open(QIODevice::WriteOnly));
     Program->Open();
-    QCOMPARE(CurrentFolder(), Program->LocalFolder());
+    QCOMPARE(CurrentFolder(), QDir::toNativeSeparators(Program->LocalFolder()));
     const auto* files = Program->Control<QAbstractItemView>("List1").model();
     QCOMPARE(files->rowCount(), 1);
     QCOMPARE(files->index(0, 0).data().toString(), QString("here.txt"));
@@ -243,7 +243,7 @@ void StartUpTest::TheSavedFolderIsOpened()
     const QTemporaryDir other;
     Program->Store("SaveDrive", other.path());
     Program->Open();
-    QCOMPARE(CurrentFolder(), other.path());
+    QCOMPARE(CurrentFolder(), QDir::toNativeSeparators(other.path()));
     QCOMPARE(Program->Values->Start.StartFolder, other.path());
     Program->Close();
     ChangeCurrentFolder("/");
@@ -255,7 +255,7 @@ void StartUpTest::TheSavedFolderIsNotReadWithTheOptionOff()
     Program->Store("DriveSav", "False");
     Program->Store("SaveDrive", other.path());
     Program->Open();
-    QCOMPARE(CurrentFolder(), Program->LocalFolder());
+    QCOMPARE(CurrentFolder(), QDir::toNativeSeparators(Program->LocalFolder()));
     QCOMPARE(Program->Values->Start.StartFolder, Program->LocalFolder());
 }
 
@@ -263,7 +263,7 @@ void StartUpTest::AFolderThatIsGoneLeavesTheCurrentOne()
 {
     Program->Store("SaveDrive", "/no/such/folder");
     Program->Open();
-    QCOMPARE(CurrentFolder(), Program->LocalFolder());
+    QCOMPARE(CurrentFolder(), QDir::toNativeSeparators(Program->LocalFolder()));
     QCOMPARE(Program->Setting("Message"), QString("1"));
     QVERIFY(Program->Questions.Questions.empty());
 }
