@@ -24,6 +24,7 @@ private slots:
     void D14AServerThatNeverConnectsTimesOut();
     void D14ARefusalIsToldAndKeepsTheSession_data();
     void D14ARefusalIsToldAndKeepsTheSession();
+    void TheOnlyWayThatIsLeftTellsItsRefusal();
     void AConfirmationWithoutDataIsNoSuccess();
     void CancelWorksWhileTheServerIsWaitedFor();
     void ATornConnectionIsOneCleanFailure_data();
@@ -229,6 +230,19 @@ void ActiveModeTest::D14ARefusalIsToldAndKeepsTheSession()
     QCOMPARE_FAILED(talk.Do("GET kept"), code);
     QCOMPARE(talk.LastDuration.count(), 0);
     QVERIFY(talk.LocalFiles().isEmpty());
+    QVERIFY_GOOD(talk.Do("PWD"));
+    QVERIFY_FOLLOWED(talk);
+}
+
+// A server that had let us offer a port, but called nobody, and then wants no port at all.
+void ActiveModeTest::TheOnlyWayThatIsLeftTellsItsRefusal()
+{
+    Conversation talk(LogIn + Binary + "C: EPSV\nS: 502\nC: PASV\nS: 503 no ports\n" + Offer +
+                      "C: RETR kept\nS: 425 cannot\nC: PORT *\nS: 500 never again\n" + StillThere);
+    QCOMPARE_FAILED(talk.Do("GET kept"), 425);
+    const Ftp::Outcome second = talk.Do("GET kept");
+    QCOMPARE_FAILED(second, 500);
+    QVERIFY(!second.Text.empty());
     QVERIFY_GOOD(talk.Do("PWD"));
     QVERIFY_FOLLOWED(talk);
 }

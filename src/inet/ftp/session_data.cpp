@@ -67,7 +67,7 @@ Task<std::shared_ptr<Wire>> Session::OpenData()
         // The command that waits for this connection at the server cannot be taken back.
         if (!isRefused && Control->IsAhead()) throw Failure(failure);
         Can.Failed.insert(way);
-        if (way != DataWay::Active) told = failure;
+        if (way != DataWay::Active || at == 0) told = failure;
     }
     throw Failure(told);
 }
