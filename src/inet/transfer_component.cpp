@@ -253,6 +253,11 @@ void TransferComponent::SetMoreToCome(bool more)
     Chosen->Manner.MoreToCome = more;
 }
 
+void TransferComponent::GetReady()
+{
+    if (!Executing && Thread && !OverHttp) Thread->GetReady();
+}
+
 void TransferComponent::SetReplyFile(const QString& path)
 {
     NextReplyFile = path.isEmpty() ? std::filesystem::path() : std::filesystem::absolute(FilePath(path));

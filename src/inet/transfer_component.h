@@ -44,6 +44,7 @@ public:
     void SetCertificateJudge(CertificateJudge judge) override;
     void SetListingLineHelp(bool on) override;
     void SetMoreToCome(bool more) override;
+    void GetReady() override;
 
 private:
     struct Properties;

@@ -99,6 +99,13 @@ void Worker::HandOver()
     if (!Noted.empty()) Current(std::exchange(Noted, {}));
 }
 
+// A command that is handed over after this one begins after it.
+void Worker::GetReady()
+{
+    const std::lock_guard guard(Lock);
+    if (!Busy) asio::post(Context, [this] { Session.GetReady(); });
+}
+
 void Worker::Answer(unsigned question, bool accepted)
 {
     asio::post(Context, [this, question, accepted] { Session.Answer(question, accepted); });

@@ -52,6 +52,9 @@ public:
     /// Into `file`, or into memory when that is empty.
     void Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener);
 
+    /// Makes the session ready for a file, as Session::GetReady; while a command runs nothing happens.
+    void GetReady();
+
     /// Answers the question of this number; nothing happens when nobody waits for it any more.
     void Answer(unsigned question, bool accepted);
 
