@@ -5,7 +5,6 @@
 #include "support/real_proxy.h"
 #include "support/real_servers.h"
 
-#include <QSslConfiguration>
 #include <QTest>
 
 /// Whole sessions and downloads through proxies: a small one of our own that tells what it was asked for, and real
@@ -172,10 +171,7 @@ void ProxyServersTest::DownloadsGoThroughAProxy()
 {
     QFETCH(QString, scheme);
     const HttpCertificate certificate = HttpCertificate::For("files.test");
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(certificate.Certificate);
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustedCertificates trusted(certificate);
     ProxyServer proxy;
     proxy.User = "user";
     proxy.Password = "word";
@@ -190,7 +186,6 @@ void ProxyServersTest::DownloadsGoThroughAProxy()
     const Inet::Download first = downloads.Fetch(QStringLiteral("http://files.test:%1/x?a=1").arg(plain.Port()));
     const Inet::Download second = downloads.Fetch(QStringLiteral("https://files.test:%1/x?a=1").arg(secure.Port()));
     const Inet::Download third = downloads.Fetch(QStringLiteral("ftp://files.test:%1/x").arg(ftp.Port()));
-    QSslConfiguration::setDefaultConfiguration(before);
     QVERIFY2(first.Arrived, qPrintable(first.Info));
     QVERIFY2(second.Arrived, qPrintable(second.Info));
     QVERIFY2(third.Arrived, qPrintable(third.Info));
@@ -217,10 +212,7 @@ void ProxyServersTest::HttpGoesThroughARealProxy()
     RealProxy proxy(static_cast<RealProxy::Kind>(kind));
     QVERIFY2(proxy.Complaint().isEmpty(), qPrintable(proxy.Complaint()));
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(certificate.Certificate);
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustedCertificates trusted(certificate);
     HttpServer plain;
     HttpServer secure(certificate);
     plain.Answers["/x"] = {HttpServer::Whole("200 OK", Sample)};
@@ -229,7 +221,6 @@ void ProxyServersTest::HttpGoesThroughARealProxy()
     Through(downloads, proxy.Url());
     const Inet::Download first = downloads.Fetch(plain.Url("/x"));
     const Inet::Download second = downloads.Fetch(secure.Url("/x"));
-    QSslConfiguration::setDefaultConfiguration(before);
     QVERIFY2(first.Arrived, qPrintable(first.Info));
     QVERIFY2(second.Arrived, qPrintable(second.Info));
     QVERIFY(first.Bytes == Sample);
@@ -416,17 +407,13 @@ void ProxyServersTest::SecureNamesAreThoseOfTheCertificate()
     QFETCH(QString, host);
     QFETCH(QString, certified);
     const HttpCertificate certificate = HttpCertificate::For(certified);
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(certificate.Certificate);
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustedCertificates trusted(certificate);
     ProxyServer proxy;
     HttpServer server(certificate);
     server.Answers["/x"] = Fine;
     Downloads downloads;
     Through(downloads, proxy.Url("http"));
     const Inet::Download got = downloads.Fetch(QStringLiteral("https://%1:%2/x").arg(host).arg(server.Port()));
-    QSslConfiguration::setDefaultConfiguration(before);
     QVERIFY2(got.Arrived, qPrintable(got.Info));
 }
 
