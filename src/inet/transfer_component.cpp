@@ -6,6 +6,7 @@
 #include "inet/ftp/failure.h"
 #include "inet/ftp/local_name.h"
 #include "inet/http_address.h"
+#include "inet/queued_call.h"
 
 #include <QPointer>
 #include <QUrl>
@@ -432,13 +433,18 @@ Worker::Listener TransferComponent::ListenerOf(quint64 command)
         std::vector<Told> told;
         told.reserve(news.size());
         for (Worker::News& one : news) told.push_back(std::visit(Decoder{isText}, std::move(one)));
-        const auto take = [this, command, told = std::move(told)] {
+        auto take = [this, command, told = std::move(told)] {
             for (const Told& one : told)
                 Untold.push_back([this, command, one] { std::visit(Teller(*this, command), one); });
             TellNext();
         };
-        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        QueuedCall::Post(*this, std::move(take));
     };
+}
+
+bool TransferComponent::event(QEvent* event)
+{
+    return QueuedCall::Make(*event) || Inet::event(event);
 }
 
 // One at a time: a listener may wait for the end of the command, in an event loop of its own, or end this object.

@@ -44,6 +44,8 @@ public:
     void SetListingLineHelp(bool on) override;
     void SetMoreToCome(bool more) override;
 
+    bool event(QEvent* event) override;
+
 private:
     struct Properties;
     struct Ended;
