@@ -197,7 +197,9 @@ Ftp::Task<HttpHead> HttpDownload::Exchange()
         co_return co_await Reader->ReadHead();
     } catch (const Ftp::Failure& failure) {
         if (!IsRelayed() || Reader->HasHeard() || failure.Kind != Ftp::Failure::Connection) throw;
-        throw Ftp::Failure{Ftp::Failure::Connection, Ftp::ConnectError, "The proxy closed the connection."};
+        const bool isReset = failure.Code == Ftp::ResetError;
+        throw Ftp::Failure{Ftp::Failure::Connection, failure.Code,
+                           isReset ? "The connection with the proxy was reset." : "The proxy closed the connection."};
     }
 }
 

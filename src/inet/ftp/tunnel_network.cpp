@@ -56,7 +56,8 @@ public:
         try {
             if (!Road->AsRelay) co_await OpenTunnel(Inner, Road->Via, Road->Host, endpoint.port());
         } catch (const Failure& failure) {
-            if (isFirst && failure.Kind != Failure::Connection) Road->Refusal = failure;
+            if (failure.Kind == Failure::Connection) throw AboutProxy(failure);
+            if (isFirst) Road->Refusal = failure;
             throw;
         }
         Road->Reached = proxy;
