@@ -290,10 +290,8 @@ Ftp::Task<Ftp::Outcome> HttpDownload::Receive(HttpHead head)
     Ftp::MemorySink memory(MostInMemory);
     Ftp::FileSink stored(Wanted.File);
     Ftp::Sink& sink = Wanted.File.empty() ? static_cast<Ftp::Sink&>(memory) : stored;
-    const HttpExtent extent = Reader->Extent();
+    const std::optional<std::uint64_t> expected = Reader->Length();
     sink.Open();
-    std::optional<std::uint64_t> expected;
-    if (extent.IsAnnounced) expected = extent.Length;
     Ftp::ProgressMeter meter(Time, Listener.Progress, expected);
     {
         Ftp::Guard guard(Why, Time, *Connection, Wanted.Limit);
@@ -308,7 +306,7 @@ Ftp::Task<Ftp::Outcome> HttpDownload::Receive(HttpHead head)
     sink.Keep();
     Tell(ResponseReceived);
     Ftp::Outcome outcome{true, head.Status, head.Reason, std::move(memory.Bytes)};
-    outcome.Transferred = Ftp::Confirmation{meter.Done(), extent.IsAnnounced};
+    outcome.Transferred = Ftp::Confirmation{meter.Done(), expected.has_value()};
     co_return outcome;
 }
 

@@ -1,10 +1,18 @@
 #include "inet/http_reader.h"
 
-#include <algorithm>
+#include <boost/beast/core/string.hpp>
+#include <boost/beast/http/basic_parser.hpp>
+#include <boost/beast/http/error.hpp>
 #include <cstring>
+#include <limits>
+#include <string>
 #include <utility>
 
 namespace {
+
+namespace http = boost::beast::http;
+using Error = boost::beast::error_code;
+using Text = boost::beast::string_view;
 
 constexpr std::size_t BufferSize = std::size_t{256} * 1024;  // and the longest head
 constexpr std::size_t LongestLine = std::size_t{16} * 1024;  // between the chunks
@@ -21,51 +29,121 @@ Ftp::Failure TooLarge()
     return {Ftp::Failure::Protocol, Ftp::ResponseError, "The header of the server's answer is too large."};
 }
 
-/// The bytes up to and with the empty line; 0 when it has not come. `from`: what is before it has been looked at.
-std::size_t HeadSizeIn(std::string_view text, std::size_t from)
+/// Chunks are what the parser takes apart; every other way to wrap the bytes was not asked for.
+void RequireKnownForm(const HttpHead& head)
 {
-    for (std::size_t at = text.find('\n', from); at != std::string_view::npos; at = text.find('\n', at + 1)) {
-        const std::string_view next = text.substr(at + 1, 2);
-        if (next.starts_with('\n')) return at + 2;
-        if (next == "\r\n") return at + 3;
-    }
-    return 0;
+    const std::vector<std::string> codings = head.All("Transfer-Encoding");
+    for (const std::string& coding : codings)
+        if (!boost::beast::iequals(coding, "chunked") && !boost::beast::iequals(coding, "identity"))
+            throw Ftp::Failure{Ftp::Failure::Protocol, Ftp::ResponseError,
+                               "The server sends the file in a form that is not understood."};
 }
 
 }  // namespace
 
+/// Collects the head, and the piece of the file that was parsed last.
+class HttpReader::Parser final : public http::basic_parser<false> {
+public:
+    Parser()
+    {
+        header_limit(BufferSize);
+        body_limit(std::numeric_limits<std::uint64_t>::max());
+    }
+
+    HttpHead Head;
+    std::string_view Piece;  ///< in the buffer that was parsed
+
+private:
+    std::size_t Note(Text bytes)
+    {
+        Piece = {bytes.data(), bytes.size()};
+        return bytes.size();
+    }
+
+    void on_request_impl(http::verb, Text, Text, int, Error&) override {}
+
+    void on_response_impl(int status, Text reason, int, Error&) override
+    {
+        Head.Status = status;
+        Head.Reason.assign(reason.data(), reason.size());
+    }
+
+    void on_field_impl(http::field, Text name, Text value, Error&) override
+    {
+        Head.Fields.emplace_back(std::string(name.data(), name.size()), std::string(value.data(), value.size()));
+    }
+
+    void on_header_impl(Error&) override {}
+
+    void on_body_init_impl(const boost::optional<std::uint64_t>&, Error&) override {}
+
+    std::size_t on_body_impl(Text bytes, Error&) override { return Note(bytes); }
+
+    void on_chunk_header_impl(std::uint64_t, Text, Error&) override {}
+
+    std::size_t on_chunk_body_impl(std::uint64_t, Text bytes, Error&) override { return Note(bytes); }
+
+    void on_finish_impl(Error&) override {}
+};
+
 HttpReader::HttpReader(std::shared_ptr<Ftp::Wire> wire) : Source(std::move(wire)), Buffer(BufferSize) {}
+
+HttpReader::~HttpReader() = default;
 
 Ftp::Task<HttpHead> HttpReader::ReadHead()
 {
-    HttpHead head = co_await ReadOneHead();
-    for (int announced = 0; head.Status < 200; ++announced) {
-        if (head.Status == SwitchingProtocols || announced == MostAnnouncements) throw NotUnderstood();
-        head = co_await ReadOneHead();
+    co_await ReadOneHead();
+    for (int announced = 0; Message->Head.Status < 200; ++announced) {
+        if (Message->Head.Status == SwitchingProtocols || announced == MostAnnouncements) throw NotUnderstood();
+        co_await ReadOneHead();
     }
-    Bounds = ExtentOf(head);
-    Left = Bounds.Length;
-    co_return head;
+    RequireKnownForm(Message->Head);
+    co_return Message->Head;
 }
 
-Ftp::Task<HttpHead> HttpReader::ReadOneHead()
+Ftp::Task<> HttpReader::ReadOneHead()
 {
-    constexpr std::size_t LongestEnd = 3;
-    std::size_t size = HeadSizeIn(Buffered(), 0);
-    while (size == 0) {
-        const std::size_t before = End - Begin;
-        if (!MayBeHttp(Buffered())) throw NotUnderstood();
-        if (before == Buffer.size()) throw TooLarge();
+    Message = std::make_unique<Parser>();
+    Heading = 0;
+    while (!Message->is_header_done()) {
+        if (Parse()) continue;
         const bool more = co_await Fill();
         if (!more)
             throw Ftp::Failure{Ftp::Failure::Connection, Ftp::AbortedError,
                                Heard ? "The connection with the server was lost."
                                      : "The server closed the connection without an answer."};
-        size = HeadSizeIn(Buffered(), before > LongestEnd ? before - LongestEnd : 0);
     }
-    HttpHead head = ParseHttpHead(Buffered().substr(0, size));
-    Begin += size;
-    co_return head;
+}
+
+std::optional<std::uint64_t> HttpReader::Length() const
+{
+    const boost::optional<std::uint64_t> length = Message->content_length();
+    return length ? std::optional<std::uint64_t>(*length) : std::nullopt;
+}
+
+/// Takes apart what has come; false when that is not enough to go on with.
+bool HttpReader::Parse()
+{
+    Error error;
+    Message->Piece = {};
+    if (Begin == End) return false;
+    const bool inHead = !Message->is_header_done();
+    const std::size_t used = Message->put({Buffer.data() + Begin, End - Begin}, error);
+    Begin += used;
+    if (error == http::error::header_limit) throw TooLarge();
+    if (error && error != http::error::need_more) throw NotUnderstood();
+    if (inHead) Heading += used;
+    if (error && inHead && Heading + End - Begin >= BufferSize) throw TooLarge();
+    if (error && !inHead) CheckLine();
+    return !error || used > 0;
+}
+
+/// What has come of the line behind a chunk, or of the lines behind the last one, is not too long.
+void HttpReader::CheckLine() const
+{
+    const std::string_view line(Buffer.data() + Begin, End - Begin);
+    if (line.size() == Buffer.size()) throw TooLarge();
+    if (line.size() > LongestLine && line.find('\n', 2) == std::string_view::npos) throw NotUnderstood();
 }
 
 /// More bytes behind those that are there, of which there must be less than a buffer; false at the end of the stream.
@@ -81,71 +159,25 @@ Ftp::Task<bool> HttpReader::Fill()
 
 Ftp::Task<std::string_view> HttpReader::ReadPiece()
 {
-    if (Bounds.Kind == HttpExtent::Chunked && Left == 0 && !LastChunk) co_await BeginChunk();
-    const bool isOpen = Bounds.Kind == HttpExtent::Open;
-    if (!isOpen && Left == 0) co_return std::string_view();
-    if (Begin == End) {
+    while (!Message->is_done()) {
+        const bool parsed = Parse();
+        if (!Message->Piece.empty()) {
+            Taken += Message->Piece.size();
+            co_return Message->Piece;
+        }
+        if (parsed) continue;
         const bool more = co_await Fill();
-        if (!more && (!isOpen || !Source->EndedProperly())) throw CutShort();
-        if (!more) co_return std::string_view();
+        if (more) continue;
+        if (!Message->need_eof() || !Source->EndedProperly()) throw CutShort();
+        break;
     }
-    const std::string_view piece = Take(isOpen ? UINT64_MAX : Left);
-    if (!isOpen) Left -= piece.size();
-    Taken += piece.size();
-    co_return piece;
-}
-
-std::string_view HttpReader::Take(std::uint64_t most)
-{
-    const std::string_view piece = Buffered().substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(most, End)));
-    Begin += piece.size();
-    return piece;
-}
-
-// RFC 9112, 7.1: behind each chunk there is a line end, and before the next one its size.
-Ftp::Task<> HttpReader::BeginChunk()
-{
-    if (std::exchange(InChunks, true)) {
-        const std::string behind = co_await ReadLine();
-        if (!behind.empty()) throw NotUnderstood();
-    }
-    const std::string line = co_await ReadLine();
-    Left = ChunkSizeIn(line);
-    if (Left > 0) co_return;
-    LastChunk = true;
-    co_await ReadTrailers();
-}
-
-// What they say is not needed, but the file is not whole without their end.
-Ftp::Task<> HttpReader::ReadTrailers()
-{
-    std::size_t size = 0;
-    std::string line = co_await ReadLine();
-    while (!line.empty()) {
-        size += line.size();
-        if (size > BufferSize) throw TooLarge();
-        line = co_await ReadLine();
-    }
-}
-
-Ftp::Task<std::string> HttpReader::ReadLine()
-{
-    std::size_t end = Buffered().find('\n');
-    while (end == std::string_view::npos) {
-        if (End - Begin > LongestLine) throw NotUnderstood();
-        const bool more = co_await Fill();
-        if (!more) throw CutShort();
-        end = Buffered().find('\n');
-    }
-    std::string line(Buffered().substr(0, end));
-    Begin += end + 1;
-    if (line.ends_with('\r')) line.pop_back();
-    co_return line;
+    co_return std::string_view();
 }
 
 Ftp::Failure HttpReader::CutShort() const
 {
-    const std::string all = Bounds.IsAnnounced ? " of " + std::to_string(Bounds.Length) : std::string();
+    const std::optional<std::uint64_t> length = Length();
+    const std::string all = length ? " of " + std::to_string(*length) : std::string();
     return {Ftp::Failure::Connection, Ftp::AbortedError,
             "The file arrived incomplete: " + std::to_string(Taken) + all + " bytes."};
 }

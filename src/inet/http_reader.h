@@ -7,7 +7,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -17,12 +17,13 @@
 class HttpReader {
 public:
     explicit HttpReader(std::shared_ptr<Ftp::Wire> wire);
+    ~HttpReader();
 
     /// The head that counts; those that only announce it (1xx) are read over.
     Ftp::Task<HttpHead> ReadHead();
 
-    /// What the head has said of the bytes; after ReadHead.
-    const HttpExtent& Extent() const { return Bounds; }
+    /// The length of the file, where the head has told it; after ReadHead.
+    std::optional<std::uint64_t> Length() const;
 
     /// The next bytes of the file, which are gone with the next call; none at its end. A file that is cut off before
     /// that is a Failure.
@@ -32,24 +33,20 @@ public:
     bool HasHeard() const { return Heard; }
 
 private:
-    Ftp::Task<HttpHead> ReadOneHead();
+    class Parser;
+
+    Ftp::Task<> ReadOneHead();
     Ftp::Task<bool> Fill();
-    Ftp::Task<std::string> ReadLine();
-    Ftp::Task<> BeginChunk();
-    Ftp::Task<> ReadTrailers();
-    std::string_view Take(std::uint64_t most);
+    bool Parse();
+    void CheckLine() const;
     Ftp::Failure CutShort() const;
 
-    std::string_view Buffered() const { return {Buffer.data() + Begin, End - Begin}; }
-
     std::shared_ptr<Ftp::Wire> Source;
+    std::unique_ptr<Parser> Message;
     std::vector<char> Buffer;
     std::size_t Begin = 0;
     std::size_t End = 0;
-    HttpExtent Bounds;
-    std::uint64_t Left = 0;   ///< of the file, or of the chunk that is being read
+    std::size_t Heading = 0;  ///< bytes of the head so far
     std::uint64_t Taken = 0;  ///< of the file
     bool Heard = false;
-    bool InChunks = false;  ///< the first chunk has begun
-    bool LastChunk = false;
 };

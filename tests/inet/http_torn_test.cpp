@@ -320,7 +320,7 @@ void HttpTornTest::AFileMayComeSlowly()
     visit.Store("old");
     visit.Server.Forget();
     visit.Server.Reactions = {
-        {"HTTP/1.1 200 OK\n\n" + std::string(30, 'x'), AnsweringServer::Close, SIZE_MAX, std::chrono::seconds(1)}};
+        {"HTTP/1.1 200 OK\r\n\r\n" + std::string(30, 'x'), AnsweringServer::Close, SIZE_MAX, std::chrono::seconds(1)}};
     const Ftp::Outcome got = visit.Fetch();
     CheckFailure(visit, got);
     QVERIFY(visit.Duration >= Limit + std::chrono::seconds(30));
@@ -362,7 +362,7 @@ void HttpTornTest::AnnouncementsAreReadOver()
 {
     Visit visit;
     CheckNext(visit, {"HTTP/1.1 100 Go on\r\n\r\nHTTP/1.1 103 Soon\r\nLink: x\r\n\r\n" + Whole});
-    CheckNext(visit, {"HTTP/1.1 100\n\n" + Whole});
+    CheckNext(visit, {"HTTP/1.1 100 \r\n\r\n" + Whole});
 }
 
 void HttpTornTest::LengthsMustAgree_data()
