@@ -14,6 +14,7 @@ private slots:
     void cleanup();
 
     void YesLetsTheFileCome();
+    void TheServerMayLosePatienceMeanwhile();
     void NoIsARefusalAndNothingIsAskedFor();
     void TheNameAndPasswordWaitForTheAnswer();
     void TheQuestionTellsWhatIsWrong();
@@ -34,6 +35,15 @@ private:
             Asked << shown;
             return answers.value(Asked.size() - 1, false);
         });
+    }
+
+    /// The server ends the connection about which it is asked.
+    bool HangUp()
+    {
+        const bool isThere =
+            QTest::qWaitFor([this] { return Server->Connections == Asked.size(); }, Downloads::Patience);
+        Server->HangUp();
+        return isThere;
     }
 
     HttpCertificate Own = HttpCertificate::For("127.0.0.1");
@@ -79,6 +89,19 @@ void HttpCertificatesTest::YesLetsTheFileCome()
     QCOMPARE(Asked.first().Doubts, "it is signed by nobody but itself");
     const QByteArray digest = Own.Certificate.digest(QCryptographicHash::Sha256);
     QCOMPARE(Asked.first().Fingerprint, QString::fromLatin1(digest.toHex(':').toUpper()));
+}
+
+void HttpCertificatesTest::TheServerMayLosePatienceMeanwhile()
+{
+    Visit->Component->SetCertificateJudge([this](const Inet::DoubtfulCertificate& shown) {
+        Asked << shown;
+        return HangUp();
+    });
+    const Inet::Download got = Visit->Fetch(Server->Url("/x"));
+    QVERIFY2(got.Arrived, qPrintable(got.Info));
+    QCOMPARE(Asked.size(), 1);
+    QCOMPARE(Server->Connections, 2);
+    QCOMPARE(Server->Requests.size(), 1);
 }
 
 void HttpCertificatesTest::NoIsARefusalAndNothingIsAskedFor()
@@ -141,8 +164,9 @@ void HttpCertificatesTest::YesCountsForThatCertificateAlone()
 {
     Visit->Component->SetCertificateJudge([this](const Inet::DoubtfulCertificate& shown) {
         Asked << shown;
-        if (Asked.size() == 1) Server->Show(HttpCertificate::For("127.0.0.1"));
-        return Asked.size() == 1;
+        if (Asked.size() == 2) return false;
+        Server->Show(HttpCertificate::For("127.0.0.1"));
+        return HangUp();
     });
     const Inet::Download got = Visit->Fetch(Server->Url("/x"));
     QVERIFY(!got.Arrived);

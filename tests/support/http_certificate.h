@@ -3,6 +3,7 @@
 #include <QSslCertificate>
 #include <QSslKey>
 #include <QString>
+#include <QTemporaryDir>
 
 /// A certificate that a test made for itself, and its key. Who is to accept it must be told to trust it.
 struct HttpCertificate {
@@ -13,4 +14,19 @@ struct HttpCertificate {
     /// itself.
     static HttpCertificate For(const QString& host, int firstDay = -1, int lastDay = 30,
                                const HttpCertificate* authority = nullptr);
+};
+
+/// While one of these lives, the certificates that were given to it are all that this process trusts.
+class TrustedCertificates {
+public:
+    TrustedCertificates();
+    explicit TrustedCertificates(const HttpCertificate& certificate);
+    ~TrustedCertificates();
+    TrustedCertificates(const TrustedCertificates&) = delete;
+    TrustedCertificates& operator=(const TrustedCertificates&) = delete;
+
+    void Add(const HttpCertificate& certificate);
+
+private:
+    QTemporaryDir Folder;
 };
