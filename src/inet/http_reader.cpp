@@ -34,7 +34,10 @@ std::size_t HeadSizeIn(std::string_view text, std::size_t from)
 
 }  // namespace
 
-HttpReader::HttpReader(std::shared_ptr<Ftp::Wire> wire) : Source(std::move(wire)), Buffer(BufferSize) {}
+HttpReader::HttpReader(std::shared_ptr<Ftp::Wire> wire)
+    : Source(std::move(wire)), Buffer(std::make_unique_for_overwrite<char[]>(BufferSize))
+{
+}
 
 Ftp::Task<HttpHead> HttpReader::ReadHead()
 {
@@ -55,7 +58,7 @@ Ftp::Task<HttpHead> HttpReader::ReadOneHead()
     while (size == 0) {
         const std::size_t before = End - Begin;
         if (!MayBeHttp(Buffered())) throw NotUnderstood();
-        if (before == Buffer.size()) throw TooLarge();
+        if (before == BufferSize) throw TooLarge();
         const bool more = co_await Fill();
         if (!more)
             throw Ftp::Failure{Ftp::Failure::Connection, Ftp::AbortedError,
@@ -71,9 +74,9 @@ Ftp::Task<HttpHead> HttpReader::ReadOneHead()
 /// More bytes behind those that are there, of which there must be less than a buffer; false at the end of the stream.
 Ftp::Task<bool> HttpReader::Fill()
 {
-    if (Begin > 0) std::memmove(Buffer.data(), Buffer.data() + Begin, End - Begin);
+    if (Begin > 0) std::memmove(Buffer.get(), Buffer.get() + Begin, End - Begin);
     End -= std::exchange(Begin, 0);
-    const std::size_t count = co_await Source->Read(Buffer.data() + End, Buffer.size() - End);
+    const std::size_t count = co_await Source->Read(Buffer.get() + End, BufferSize - End);
     End += count;
     Heard = Heard || count > 0;
     co_return count > 0;

@@ -9,7 +9,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// Reads one answer by HTTP/1 from a wire: the head, then the file behind it piece by piece. However much a server
 /// sends, no more of it is in memory than one buffer. Waits throw Ftp::Failure; how long is the caller's business.
@@ -40,10 +39,10 @@ private:
     std::string_view Take(std::uint64_t most);
     Ftp::Failure CutShort() const;
 
-    std::string_view Buffered() const { return {Buffer.data() + Begin, End - Begin}; }
+    std::string_view Buffered() const { return {Buffer.get() + Begin, End - Begin}; }
 
     std::shared_ptr<Ftp::Wire> Source;
-    std::vector<char> Buffer;
+    std::unique_ptr<char[]> Buffer;
     std::size_t Begin = 0;
     std::size_t End = 0;
     HttpExtent Bounds;
