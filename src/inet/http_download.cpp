@@ -238,8 +238,8 @@ bool HttpDownload::LogsIn(const HttpHead& head)
 {
     if (head.Status == LogInWanted) {
         const bool isMine = IsSameOrigin(Url, Wanted.Url);
-        Ftp::LoginWish wish{isMine ? Wanted.User : std::string(), Wanted.Password, Target()};
-        return AnswerTo(head.All("www-authenticate"), std::move(wish), ForServer);
+        const Ftp::LoginWish wish{isMine ? Wanted.User : std::string(), Wanted.Password, Target()};
+        return AnswerTo(head.All("www-authenticate"), wish, ForServer);
     }
     if (head.Status == ProxyLogInWanted && IsRelayed()) {
         const Ftp::Proxy& via = Road->Via();
@@ -249,7 +249,8 @@ bool HttpDownload::LogsIn(const HttpHead& head)
 }
 
 // Asked for again, they were wrong, unless the server only wants them with a newer stamp.
-bool HttpDownload::AnswerTo(const std::vector<std::string>& asked, Ftp::LoginWish wish, Credentials& credentials) const
+bool HttpDownload::AnswerTo(const std::vector<std::string>& asked, const Ftp::LoginWish& wish,
+                            Credentials& credentials) const
 {
     const std::vector<Ftp::Challenge> offered = Ftp::ChallengesIn(asked);
     if (offered.empty()) return false;
