@@ -31,9 +31,14 @@ QString WithBytesEncoded(const QString& text)
 
 }  // namespace
 
+int UsualPortOf(const QUrl& url)
+{
+    return url.scheme() == u"https" ? SecureHttpPort : HttpPort;
+}
+
 int PortOf(const QUrl& url)
 {
-    return url.port(url.scheme() == u"https" ? SecureHttpPort : HttpPort);
+    return url.port(UsualPortOf(url));
 }
 
 QString SchemeOf(const QString& address)

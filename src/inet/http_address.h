@@ -22,7 +22,10 @@ QUrl HttpUrlOfName(const QUrl& base, const QString& name);
 /// protocol, or from secure HTTP to plain.
 std::optional<QUrl> RedirectTarget(const QUrl& from, const QByteArray& location);
 
-/// The port that the address names, or the usual one of its scheme.
+/// The port of an address that names none.
+int UsualPortOf(const QUrl& url);
+
+/// The port that the address names, or the usual one.
 int PortOf(const QUrl& url);
 
 /// Whether both are the same place as far as a user and password are concerned: scheme, host and port.

@@ -5,6 +5,7 @@
 #include "inet/ftp/progress.h"
 #include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
+#include "inet/ftp/states.h"
 #include "inet/http_address.h"
 
 #include <algorithm>
@@ -17,18 +18,6 @@ constexpr int MostRedirects = 10;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
 constexpr int LogInWanted = 401;
 constexpr int ProxyLogInWanted = 407;
-
-// The states that are reported, as the component numbers them.
-enum States {
-    ResolvingHost = 1,
-    HostResolved = 2,
-    Connecting = 3,
-    Connected = 4,
-    Requesting = 5,
-    RequestSent = 6,
-    ReceivingResponse = 7,
-    ResponseReceived = 8,
-};
 
 bool IsGood(int status)
 {
@@ -50,12 +39,12 @@ std::string HostOf(const QUrl& url)
     return url.host(QUrl::FullyEncoded).toStdString();
 }
 
-/// The host with its port, as a request names it.
+/// The host as a request names it, with the port where it is not the usual one.
 std::string AuthorityOf(const QUrl& url)
 {
     std::string host = HostOf(url);
     if (host.find(':') != std::string::npos) host = '[' + host.substr(0, host.find('%')) + ']';
-    return url.port() < 0 ? host : host + ':' + std::to_string(url.port());
+    return PortOf(url) == UsualPortOf(url) ? host : host + ':' + std::to_string(url.port());
 }
 
 }  // namespace
@@ -69,7 +58,7 @@ HttpDownload::~HttpDownload() = default;
 
 bool HttpDownload::IsConnected() const
 {
-    return Told >= Connected;
+    return Told >= Ftp::Connected;
 }
 
 void HttpDownload::Answer(unsigned number, bool accepted)
@@ -155,7 +144,7 @@ Ftp::Task<HttpHead> HttpDownload::Ask()
 
 Ftp::Task<std::vector<Ftp::Endpoint>> HttpDownload::LookUp()
 {
-    Tell(ResolvingHost);
+    Tell(Ftp::ResolvingHost);
     auto ask = [find = AskSystem, scheme = Url.scheme().toStdString()](std::string host, std::uint16_t port) {
         return find(scheme, std::move(host), port);
     };
@@ -169,13 +158,13 @@ Ftp::Task<std::vector<Ftp::Endpoint>> HttpDownload::LookUp()
 
 Ftp::Task<> HttpDownload::Connect(std::vector<Ftp::Endpoint> endpoints)
 {
-    Tell(Connecting);
+    Tell(Ftp::Connecting);
     Connection = co_await Ftp::ConnectToFirst(*Road, Why, Time, Wanted.Limit, std::move(endpoints));
     if (Safe) {
         Connection = Safe->WrapControl(std::move(Connection), HostOf(Url), Ftp::Protection::FromStart);
         co_await Safe->BeforeGreeting(Wanted.Limit);
     }
-    Tell(Connected);
+    Tell(Ftp::Connected);
 }
 
 /// The proxy takes the requests themselves, in place of a tunnel.
@@ -188,12 +177,12 @@ bool HttpDownload::IsRelayed() const
 Ftp::Task<HttpHead> HttpDownload::Exchange()
 {
     Reader = std::make_unique<HttpReader>(Connection);
-    Tell(Requesting);
+    Tell(Ftp::Requesting);
     try {
         const Ftp::Guard guard(Why, Time, *Connection, Wanted.Limit);
         std::string text = RequestText();
         co_await Connection->Write(std::move(text));
-        Tell(ReceivingResponse);
+        Tell(Ftp::ReceivingResponse);
         co_return co_await Reader->ReadHead();
     } catch (const Ftp::Failure& failure) {
         if (!IsRelayed() || Reader->HasHeard() || failure.Kind != Ftp::Failure::Connection) throw;
@@ -249,8 +238,8 @@ bool HttpDownload::LogsIn(const HttpHead& head)
 {
     if (head.Status == LogInWanted) {
         const bool isMine = IsSameOrigin(Url, Wanted.Url);
-        Ftp::LoginWish wish{isMine ? Wanted.User : std::string(), Wanted.Password, Target()};
-        return AnswerTo(head.All("www-authenticate"), std::move(wish), ForServer);
+        const Ftp::LoginWish wish{isMine ? Wanted.User : std::string(), Wanted.Password, Target()};
+        return AnswerTo(head.All("www-authenticate"), wish, ForServer);
     }
     if (head.Status == ProxyLogInWanted && IsRelayed()) {
         const Ftp::Proxy& via = Road->Via();
@@ -260,7 +249,8 @@ bool HttpDownload::LogsIn(const HttpHead& head)
 }
 
 // Asked for again, they were wrong, unless the server only wants them with a newer stamp.
-bool HttpDownload::AnswerTo(const std::vector<std::string>& asked, Ftp::LoginWish wish, Credentials& credentials) const
+bool HttpDownload::AnswerTo(const std::vector<std::string>& asked, const Ftp::LoginWish& wish,
+                            Credentials& credentials) const
 {
     const std::vector<Ftp::Challenge> offered = Ftp::ChallengesIn(asked);
     if (offered.empty()) return false;
@@ -304,7 +294,7 @@ Ftp::Task<Ftp::Outcome> HttpDownload::Receive(HttpHead head)
         }
     }
     sink.Keep();
-    Tell(ResponseReceived);
+    Tell(Ftp::ResponseReceived);
     Ftp::Outcome outcome{true, head.Status, head.Reason, std::move(memory.Bytes)};
     outcome.Transferred = Ftp::Confirmation{meter.Done(), expected.has_value()};
     co_return outcome;

@@ -65,7 +65,7 @@ private:
     std::string RequestText() const;
     bool FollowsRedirect(const HttpHead& head);
     bool LogsIn(const HttpHead& head);
-    bool AnswerTo(const std::vector<std::string>& asked, Ftp::LoginWish wish, Credentials& credentials) const;
+    bool AnswerTo(const std::vector<std::string>& asked, const Ftp::LoginWish& wish, Credentials& credentials) const;
     Ftp::Failure RefusalOf(const HttpHead& head) const;
     void BeginRequest(const QUrl& url);
     bool IsRelayed() const;

@@ -86,7 +86,10 @@ private:
     void on_finish_impl(Error&) override {}
 };
 
-HttpReader::HttpReader(std::shared_ptr<Ftp::Wire> wire) : Source(std::move(wire)), Buffer(BufferSize) {}
+HttpReader::HttpReader(std::shared_ptr<Ftp::Wire> wire)
+    : Source(std::move(wire)), Buffer(std::make_unique_for_overwrite<char[]>(BufferSize))
+{
+}
 
 HttpReader::~HttpReader() = default;
 
@@ -128,7 +131,7 @@ bool HttpReader::Parse()
     Message->Piece = {};
     if (Begin == End) return false;
     const bool inHead = !Message->is_header_done();
-    const std::size_t used = Message->put({Buffer.data() + Begin, End - Begin}, error);
+    const std::size_t used = Message->put({Buffer.get() + Begin, End - Begin}, error);
     Begin += used;
     if (error == http::error::header_limit) throw TooLarge();
     if (error && error != http::error::need_more) throw NotUnderstood();
@@ -141,17 +144,17 @@ bool HttpReader::Parse()
 /// What has come of the line behind a chunk, or of the lines behind the last one, is not too long.
 void HttpReader::CheckLine() const
 {
-    const std::string_view line(Buffer.data() + Begin, End - Begin);
-    if (line.size() == Buffer.size()) throw TooLarge();
+    const std::string_view line(Buffer.get() + Begin, End - Begin);
+    if (line.size() == BufferSize) throw TooLarge();
     if (line.size() > LongestLine && line.find('\n', 2) == std::string_view::npos) throw NotUnderstood();
 }
 
 /// More bytes behind those that are there, of which there must be less than a buffer; false at the end of the stream.
 Ftp::Task<bool> HttpReader::Fill()
 {
-    if (Begin > 0) std::memmove(Buffer.data(), Buffer.data() + Begin, End - Begin);
+    if (Begin > 0) std::memmove(Buffer.get(), Buffer.get() + Begin, End - Begin);
     End -= std::exchange(Begin, 0);
-    const std::size_t count = co_await Source->Read(Buffer.data() + End, Buffer.size() - End);
+    const std::size_t count = co_await Source->Read(Buffer.get() + End, BufferSize - End);
     End += count;
     Heard = Heard || count > 0;
     co_return count > 0;

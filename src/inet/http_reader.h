@@ -9,7 +9,6 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 /// Reads one answer by HTTP/1 from a wire: the head, then the file behind it piece by piece. However much a server
 /// sends, no more of it is in memory than one buffer. Waits throw Ftp::Failure; how long is the caller's business.
@@ -43,7 +42,7 @@ private:
 
     std::shared_ptr<Ftp::Wire> Source;
     std::unique_ptr<Parser> Message;
-    std::vector<char> Buffer;
+    std::unique_ptr<char[]> Buffer;
     std::size_t Begin = 0;
     std::size_t End = 0;
     std::size_t Heading = 0;  ///< bytes of the head so far

@@ -33,6 +33,8 @@ private slots:
     void LengthsMustAgree_data();
     void LengthsMustAgree();
     void ANameThatIsNeverFoundTimesOut();
+    void TheServerIsToldItsName_data();
+    void TheServerIsToldItsName();
 };
 
 namespace {
@@ -126,11 +128,11 @@ public:
     Ftp::Outcome Fetch(bool cancels = false)
     {
         HttpRequest request;
-        request.Url = QUrl("http://server.test/x");
+        request.Url = QUrl(Address);
         request.User = "ann";
         request.Password = "hidden";
         request.Limit = Limit;
-        request.File = Place();
+        if (IntoFile) request.File = Place();
         std::optional<Ftp::Outcome> outcome;
         States.clear();
         const Ftp::Milliseconds start = Clock.Now();
@@ -159,6 +161,8 @@ public:
         return QDir(Folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
+    QString Address = "http://server.test/x";
+    bool IntoFile = true;
     ManualClock Clock;
     AnsweringServer Server{Clock};
     std::vector<int> States;
@@ -214,12 +218,13 @@ void CheckNext(Visit& visit, const std::vector<std::string>& answers)
     QVERIFY(!visit.Clock.JumpToNextAlarm());
     QCOMPARE(visit.Files(), QStringList{"kept"});
     React(visit, answers);
+    visit.IntoFile = false;
     const Ftp::Outcome got = visit.Fetch();
     QVERIFY2(got.Good, got.Text.c_str());
-    QCOMPARE(visit.Stored(), QByteArray::fromStdString(File));
+    QCOMPARE(got.Reply, File);
     QCOMPARE(visit.States, (std::vector<int>{1, 2, 3, 4, 5, 6, 7, 8}));
     visit.Server.Forget();
-    visit.Store("old");
+    visit.IntoFile = true;
 }
 
 void CheckFailure(const Visit& visit, const Ftp::Outcome& got)
@@ -406,6 +411,38 @@ void HttpTornTest::ANameThatIsNeverFoundTimesOut()
     QCOMPARE(visit.States, std::vector<int>{1});
     visit.Server.IsLookupSilent = false;
     CheckNext(visit, {Whole});
+}
+
+void HttpTornTest::TheServerIsToldItsName_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QByteArray>("request");
+    const auto row = [](const char* address, const QByteArray& target, const QByteArray& host) {
+        QTest::newRow(address) << QString::fromUtf8(address) << "GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\n";
+    };
+    row("http://server.test", "/", "server.test");
+    row("http://server.test:80/x", "/x", "server.test");
+    row("http://server.test:8080/x?", "/x?", "server.test:8080");
+    row("http://server.test:443/?a=%20b#c", "/?a=%20b", "server.test:443");
+    row("http://127.0.0.1/x", "/x", "127.0.0.1");
+    row("http://[::1]/x", "/x", "[::1]");
+    row("http://[::1]:8080/x", "/x", "[::1]:8080");
+    row("http://gr\xc3\xbc\xc3\x9f"
+        "e.test/\xc3\xa4",
+        "/%C3%A4", "xn--gre-6ka8l.test");
+}
+
+void HttpTornTest::TheServerIsToldItsName()
+{
+    QFETCH(QString, address);
+    QFETCH(QByteArray, request);
+    Visit visit;
+    visit.Address = address;
+    React(visit, {Whole});
+    QVERIFY(visit.Fetch().Good);
+    const QByteArray said = QByteArray::fromStdString(visit.Server.Requests.at(0));
+    QVERIFY2(said.startsWith(request), said.constData());
+    QVERIFY(!said.toLower().contains("connection"));
 }
 
 QTEST_GUILESS_MAIN(HttpTornTest)

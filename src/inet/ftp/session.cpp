@@ -3,6 +3,7 @@
 #include "inet/ftp/encoding.h"
 #include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
+#include "inet/ftp/states.h"
 
 #include <algorithm>
 #include <cctype>
@@ -16,18 +17,6 @@ namespace {
 constexpr int AccountWanted = 332;   // RFC 959, 4.2.2
 constexpr int ServiceClosing = 421;  // the same
 constexpr int NotLoggedIn = 530;     // the same
-
-// The states that an observer hears of, as the component numbers them.
-enum States {
-    ResolvingHost = 1,
-    HostResolved = 2,
-    Connecting = 3,
-    Connected = 4,
-    Requesting = 5,
-    RequestSent = 6,
-    ReceivingResponse = 7,
-    ResponseReceived = 8,
-};
 
 bool IsBad(const Reply& reply)
 {

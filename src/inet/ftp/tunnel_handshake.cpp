@@ -1,6 +1,7 @@
 #include "inet/ftp/tunnel_handshake.h"
 
 #include "inet/ftp/failure.h"
+#include "inet/ftp/http_login.h"
 #include "inet/ftp/secret.h"
 
 #include <algorithm>
@@ -41,20 +42,6 @@ Task<std::string> ReadExactly(std::shared_ptr<Wire> wire, std::size_t size)
     co_return bytes;
 }
 
-std::string Base64(std::string_view bytes)
-{
-    constexpr std::string_view Letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
-        unsigned group = 0;
-        for (std::size_t k = 0; k < 3; ++k)
-            group = group << 8 | (k < count ? static_cast<unsigned char>(bytes[i + k]) : 0U);
-        for (std::size_t k = 0; k < 4; ++k) text += k <= count ? Letters[group >> (18 - 6 * k) & 0x3F] : '=';
-    }
-    return text;
-}
-
 std::string Authority(const std::string& host, std::uint16_t port)
 {
     const bool isNumberSix = host.find(':') != std::string::npos;
@@ -93,7 +80,7 @@ Task<> AskHttp(std::shared_ptr<Wire> wire, Proxy via, std::string host, std::uin
 {
     const std::string to = Authority(host, port);
     std::string request = "CONNECT " + to + " HTTP/1.1\r\nHost: " + to + "\r\n";
-    if (!via.User.empty()) request += "Proxy-Authorization: Basic " + Base64(via.User + ':' + via.Password) + "\r\n";
+    if (!via.User.empty()) request += "Proxy-Authorization: " + BasicLogin(via.User, via.Password) + "\r\n";
     request += "\r\n";
     co_await wire->Write(std::move(request));
     const std::string head = co_await ReadHead(wire);
