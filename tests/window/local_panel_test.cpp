@@ -1,5 +1,6 @@
 #include "base/byte_text.h"
 #include "platform/current_folder.h"
+#include "support/many_files.h"
 #include "support/panel_driver.h"
 
 #include <QComboBox>
@@ -9,6 +10,10 @@
 #include <QRegularExpression>
 #include <filesystem>
 #include <fstream>
+#ifdef Q_OS_WIN
+#include <string>
+#include <windows.h>
+#endif
 
 class LocalPanelTest : public QObject {
     Q_OBJECT
@@ -33,8 +38,13 @@ private slots:
     void ADoubleClickOnAFolderAboveMovesUp();
     void TheEnterKeyMovesToTheHighlightedFolder();
     void AVanishedFolderIsToldAndThePanelStays();
+#ifdef Q_OS_WIN
+    void ACurrentDriveThatVanishesShowsNoFilesAndIsTold();
+    void ACurrentDriveThatComesBackIsFoundAgain();
+#else
     void ACurrentFolderThatVanishesShowsNoFilesAndIsTold();
     void ACurrentFolderThatComesBackIsFoundAgain();
+#endif
     void TheDriveListHoldsTheRootAndMovesThere();
     void TheDriveListFollowsTheFolder();
     void ADriveThatIsGoneIsToldAndTheListGoesBack();
@@ -53,6 +63,11 @@ private:
     static QString Root()
     {
         return QDir::toNativeSeparators(QDir::rootPath());
+    }
+
+    static QString Inside(const QString& folder, const QString& name)
+    {
+        return folder + QDir::separator() + name;
     }
 
     QComboBox& Filter() const
@@ -233,7 +248,7 @@ void LocalPanelTest::ADoubleClickMovesIntoASubFolder()
     Driver->Open();
     const QString before = CurrentFolder();
     DoubleClickFolder("deeper");
-    QCOMPARE(CurrentFolder(), before + "/deeper");
+    QCOMPARE(CurrentFolder(), Inside(before, "deeper"));
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"file"});
     QCOMPARE(FolderNames().last(), QString("still"));
 }
@@ -241,7 +256,7 @@ void LocalPanelTest::ADoubleClickMovesIntoASubFolder()
 void LocalPanelTest::ADoubleClickOnAFolderAboveMovesUp()
 {
     Driver->Open();
-    const QString above = QFileInfo(CurrentFolder()).path();
+    const QString above = QDir::toNativeSeparators(QFileInfo(CurrentFolder()).path());
     DoubleClickFolder(QFileInfo(above).fileName());
     QCOMPARE(CurrentFolder(), above);
 }
@@ -254,7 +269,7 @@ void LocalPanelTest::TheEnterKeyMovesToTheHighlightedFolder()
     Folders().setFocus();
     QTest::keyClick(&Folders(), Qt::Key_Down);
     QTest::keyClick(&Folders(), Qt::Key_Return);
-    QCOMPARE(CurrentFolder(), before + "/deeper");
+    QCOMPARE(CurrentFolder(), Inside(before, "deeper"));
 }
 
 void LocalPanelTest::AVanishedFolderIsToldAndThePanelStays()
@@ -264,10 +279,75 @@ void LocalPanelTest::AVanishedFolderIsToldAndThePanelStays()
     const QString before = CurrentFolder();
     QVERIFY(QDir(Driver->LocalFolder()).rmdir("deeper"));
     DoubleClickFolder("deeper");
-    QCOMPARE(Driver->Status(), "Cannot open folder " + before + "/deeper: Path not found");
+    QCOMPARE(Driver->Status(), "Cannot open folder " + Inside(before, "deeper") + ": Path not found");
     QCOMPARE(CurrentFolder(), before);
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"file"});
 }
+
+#ifdef Q_OS_WIN
+
+// The system keeps a folder while it is a program's current one. A drive can be pulled out all the same.
+
+namespace {
+
+/// A drive that shows a folder while it is plugged in.
+class Drive {
+public:
+    explicit Drive(const QString& folder) : Folder(QDir::toNativeSeparators(folder).toStdWString())
+    {
+        const DWORD present = GetLogicalDrives();
+        while ((present >> (Name[0] - L'A') & 1U) != 0) ++Name[0];
+        PlugIn();
+    }
+
+    ~Drive() { PullOut(); }
+
+    Drive(const Drive&) = delete;
+    Drive& operator=(const Drive&) = delete;
+
+    void PlugIn() { QVERIFY(DefineDosDeviceW(0, Name.c_str(), Folder.c_str()) != 0); }
+
+    void PullOut() { DefineDosDeviceW(DDD_REMOVE_DEFINITION, Name.c_str(), nullptr); }
+
+    QString Root() const { return QString::fromStdWString(Name) + u'\\'; }
+
+private:
+    std::wstring Folder;
+    std::wstring Name = L"M:";
+};
+
+}  // namespace
+
+void LocalPanelTest::ACurrentDriveThatVanishesShowsNoFilesAndIsTold()
+{
+    Driver->MakeFile("file");
+    Drive drive(Driver->LocalFolder());
+    ChangeCurrentFolder(drive.Root());
+    Driver->Open();
+    QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"file"});
+    drive.PullOut();
+    Pick(Filter(), 9);
+    QCOMPARE(Driver->Status(), "Cannot open folder " + drive.Root() + ": Path not found");
+    QCOMPARE(Driver->Files().Count(), 0);
+    QCOMPARE(Driver->LocalCount(), QString("0"));
+    ChangeCurrentFolder(Driver->LocalFolder());
+}
+
+void LocalPanelTest::ACurrentDriveThatComesBackIsFoundAgain()
+{
+    Drive drive(Driver->LocalFolder());
+    ChangeCurrentFolder(drive.Root());
+    Driver->Open();
+    drive.PullOut();
+    Driver->MakeFile("new");
+    drive.PlugIn();
+    Pick(Filter(), 9);
+    QCOMPARE(CurrentFolder(), drive.Root());
+    QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"new"});
+    ChangeCurrentFolder(Driver->LocalFolder());
+}
+
+#else
 
 void LocalPanelTest::ACurrentFolderThatVanishesShowsNoFilesAndIsTold()
 {
@@ -297,6 +377,8 @@ void LocalPanelTest::ACurrentFolderThatComesBackIsFoundAgain()
     QCOMPARE(CurrentFolder(), folder);
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"new"});
 }
+
+#endif
 
 void LocalPanelTest::TheDriveListHoldsTheRootAndMovesThere()
 {
@@ -359,7 +441,7 @@ void LocalPanelTest::NamesThatAreNoTextAreShownHarmlesslyAndKept()
 
 void LocalPanelTest::AFolderOfThousandsIsShownWhole()
 {
-    constexpr int Count = 20'000;
+    constexpr int Count = ThisManyFiles(20'000);
     const std::filesystem::path folder = FilePath(Driver->LocalFolder()) / "many";
     std::filesystem::create_directory(folder);
     for (int number = 0; number < Count; ++number) std::ofstream(folder / std::to_string(number));
