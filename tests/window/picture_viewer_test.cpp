@@ -1,10 +1,10 @@
 #include "base/byte_text.h"
 #include "dialogs/picture_box.h"
 #include "dialogs/picture_viewer.h"
+#include "support/memory_peak.h"
 #include "support/picture_bytes.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
@@ -100,24 +100,6 @@ private:
 };
 
 namespace {
-
-/// A figure of this process in kilobytes, from the system's account of it.
-qint64 Account(const char* name)
-{
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly)) return -1;
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith(name)) return line.mid(qstrlen(name) + 1).trimmed().split(' ').first().toLongLong();
-    }
-    return -1;
-}
-
-/// Begins the account of the highest memory anew.
-void ForgetPeak()
-{
-    QFile forget("/proc/self/clear_refs");
-    if (forget.open(QIODevice::WriteOnly)) forget.write("5");
-}
 
 bool IsLike(const QColor& colour, const QColor& wanted)
 {
@@ -440,12 +422,11 @@ void PictureViewerTest::NoFileCostsMoreThanAQuarterGigabyte()
     QFETCH(QByteArray, bytes);
     QFETCH(bool, shown);
     const QString name = Write("a.jpg", bytes);
-    ForgetPeak();
-    const qint64 before = Account("VmRSS:");
-    QVERIFY(before > 0);
+    const MemoryPeak peak;
+    QVERIFY(peak.IsKnown());
     Viewer->Show(name);
     QTRY_VERIFY_WITH_TIMEOUT(!Image1().Picture().isNull() || !Sentence().isEmpty(), 60000);
-    const qint64 cost = Account("VmHWM:") - before;
+    const qint64 cost = peak.Kilobytes();
     qInfo("%lld KiB", static_cast<long long>(cost));
     QCOMPARE(!Image1().Picture().isNull(), shown);
 #ifdef __SANITIZE_ADDRESS__
