@@ -18,6 +18,15 @@ private slots:
 private:
     static QString Style() { return QApplication::style()->name(); }
 
+    /// What a button of the kind is drawn with.
+    template <typename Widget>
+    static QColor ColourOf()
+    {
+        Widget widget;
+        widget.ensurePolished();
+        return widget.palette().color(QPalette::Button);
+    }
+
     /// What the toolkit sends when the desktop's colours have changed.
     static void ChangeColours()
     {
@@ -49,14 +58,17 @@ void WindowsStyleTest::AChangeIsFollowedBothWays()
 
 void WindowsStyleTest::ButtonsStandOutInTheDark()
 {
+    QPalette colours;
+    colours.setColor(QPalette::Window, QColor(32, 32, 32));
+    colours.setColor(QPalette::Button, QColor(32, 32, 32));
+    QApplication::setPalette(colours);
     bool dark = true;
     const WindowsStyle style(*qApp, [&] { return dark; });
-    const QPushButton button;
-    QVERIFY(button.palette().color(QPalette::Button) != QLabel().palette().color(QPalette::Button));
+    QVERIFY(ColourOf<QPushButton>().lightness() > ColourOf<QLabel>().lightness());
     dark = false;
     ChangeColours();
     QTRY_COMPARE(Style(), QString("windowsvista"));
-    QCOMPARE(QPushButton().palette().color(QPalette::Button), QLabel().palette().color(QPalette::Button));
+    QCOMPARE(ColourOf<QPushButton>(), ColourOf<QLabel>());
 }
 
 QTEST_MAIN(WindowsStyleTest)
