@@ -31,6 +31,7 @@ private slots:
     void EveryFormatIsShown();
     void TheFormatIsTheContentsNotTheNames();
     void AMovingPictureMoves();
+    void AMovingPictureCanBeErasedMeanwhile();
     void TheTitleIsTheFullName();
     void TheWindowStandsBesideTheMainWindow();
     void ALargePictureIsReducedWithItsAspectKept();
@@ -52,8 +53,8 @@ private slots:
     void APictureAfterASentenceIsShownAgain();
 #ifndef Q_OS_WIN
     void APipeIsNotWaitedFor();
-#endif
     void ANameThatIsNoUtf8IsOpened();
+#endif
     void NoFileCostsMoreThanAQuarterGigabyte_data();
     void NoFileCostsMoreThanAQuarterGigabyte();
     void TheWindowStaysAliveWhileALargePictureIsDecoded();
@@ -188,6 +189,16 @@ void PictureViewerTest::AMovingPictureMoves()
         QVERIFY(Becomes(Qt::red));
         QVERIFY(Becomes(Qt::blue));
     }
+}
+
+void PictureViewerTest::AMovingPictureCanBeErasedMeanwhile()
+{
+    const QString name = Write("a.gif", GifOf(20, 20, 2));
+    Viewer->Show(name);
+    QVERIFY(Becomes(Qt::blue));
+    QVERIFY(std::filesystem::remove(FilePath(name)));
+    QVERIFY(Becomes(Qt::red));
+    QVERIFY(Becomes(Qt::blue));
 }
 
 void PictureViewerTest::TheTitleIsTheFullName()
@@ -403,7 +414,6 @@ void PictureViewerTest::APipeIsNotWaitedFor()
     Viewer->Show(pipe);
     QTRY_COMPARE(Sentence(), QString("The file cannot be read."));
 }
-#endif
 
 void PictureViewerTest::ANameThatIsNoUtf8IsOpened()
 {
@@ -413,6 +423,7 @@ void PictureViewerTest::ANameThatIsNoUtf8IsOpened()
     QVERIFY(Becomes(Qt::blue));
     QVERIFY(std::filesystem::remove(FilePath(name)));
 }
+#endif
 
 void PictureViewerTest::NoFileCostsMoreThanAQuarterGigabyte_data()
 {
