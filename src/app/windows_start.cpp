@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QPalette>
 #include <QSettings>
+#include <utility>
 #include <windows.h>
 
 namespace {
@@ -19,13 +20,6 @@ bool IsHighContrast()
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-bool IsDesktopDark()
-{
-    const QSettings chosen("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
-                           QSettings::NativeFormat);
-    return chosen.value("AppsUseLightTheme", 1).toInt() == 0 && !IsHighContrast();
-}
-
 /// The dark colours that the toolkit gives to buttons are made for a style of the system's that this one is not.
 void GiveButtonsTheWindowsColours()
 {
@@ -38,13 +32,20 @@ void GiveButtonsTheWindowsColours()
 
 }  // namespace
 
+bool IsDesktopDark()
+{
+    const QSettings chosen("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
+                           QSettings::NativeFormat);
+    return chosen.value("AppsUseLightTheme", 1).toInt() == 0 && !IsHighContrast();
+}
+
 void PrepareForWindows()
 {
     SetDllDirectoryW(L"");
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "windows:darkmode=2");
 }
 
-WindowsStyle::WindowsStyle(QApplication& program)
+WindowsStyle::WindowsStyle(QApplication& program, std::function<bool()> isDark) : IsDark(std::move(isDark))
 {
     program.installEventFilter(this);
     Apply();
@@ -60,7 +61,7 @@ bool WindowsStyle::eventFilter(QObject* watched, QEvent* event)
 
 void WindowsStyle::Apply()
 {
-    const bool dark = IsDesktopDark();
+    const bool dark = IsDark();
     if (dark == Dark) return;
     Dark = dark;
     QApplication::setStyle(dark ? ToolkitStyle : SystemStyle);

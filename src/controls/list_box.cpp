@@ -21,6 +21,20 @@ namespace {
 constexpr double FixedPitchSize = 0.92;  // of the program's font, whose letters are narrower
 constexpr int FixedPitchStretch = 85;    // percent
 
+/// What the system calls its font of fixed width, when its letters really have one; it may name one that is not
+/// installed. Else any whose letters do.
+QFont FixedPitchFont()
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (QFontInfo(font).fixedPitch()) return font;
+    for (const QString& family : QFontDatabase::families()) {
+        if (!QFontDatabase::isFixedPitch(family) || !QFontDatabase::isSmoothlyScalable(family)) continue;
+        font.setFamilies({family});
+        if (QFontInfo(font).fixedPitch()) break;
+    }
+    return font;
+}
+
 /// Where the entries of one list stand in another: -1 for those that are gone. What both begin and end with costs
 /// little, so that a small change in a long list does.
 std::vector<int> NewRows(const QStringList& before, const QStringList& after)
@@ -162,7 +176,7 @@ void ListBox::SetFixedPitch(bool on)
 {
     QFont font;
     if (on) {
-        font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        font = FixedPitchFont();
         font.setPointSizeF(FixedPitchSize * QFontInfo(QApplication::font()).pointSizeF());
         font.setStretch(FixedPitchStretch);
     }

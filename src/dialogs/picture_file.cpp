@@ -6,7 +6,11 @@
 #include <algorithm>
 #include <filesystem>
 
-#ifndef Q_OS_WIN
+#ifdef Q_OS_WIN
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,10 +45,24 @@ QSize FitInto(const QSize& picture, const QSize& room)
 
 #ifdef Q_OS_WIN
 
+// By a descriptor, as a film begins anew from a device without a name only, and so that the file can be erased
+// meanwhile.
 bool OpenPicture(QFile& file, const QString& name)
 {
-    file.setFileName(name);
-    return file.open(QIODevice::ReadOnly);
+    constexpr DWORD EveryOtherUse = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle =
+        CreateFileW(FilePath(name).c_str(), GENERIC_READ, EveryOtherUse, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return false;
+    const bool onDisk = GetFileType(handle) == FILE_TYPE_DISK;
+    const int descriptor =
+        onDisk ? _open_osfhandle(reinterpret_cast<intptr_t>(handle), _O_RDONLY | _O_BINARY | _O_NOINHERIT) : -1;
+    if (descriptor < 0) {
+        CloseHandle(handle);
+        return false;
+    }
+    if (file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle)) return true;
+    _close(descriptor);
+    return false;
 }
 
 #else

@@ -1,5 +1,8 @@
 #include "inet/reply_file.h"
 
+#include "base/byte_text.h"
+#include "base/run_time_error.h"
+#include "platform/file_facts.h"
 #include "platform/local_file.h"
 
 #include <system_error>
@@ -7,15 +10,20 @@
 ReplyFile::~ReplyFile()
 {
     File.reset();
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(Path, ignored)) std::filesystem::remove(Path, ignored);
+    try {
+        if (KindOf(PathText(Path)) == EntryKind::File) EraseFile(PathText(Path));
+    } catch (const RuntimeError&) {
+        // It stays where it is.
+    }
 }
 
 std::int64_t ReplyFile::Size() const
 {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(Path, error);
-    return error ? 0 : static_cast<std::int64_t>(size);
+    try {
+        return static_cast<std::int64_t>(FactsOf(PathText(Path)).Bytes);
+    } catch (const RuntimeError&) {
+        return 0;
+    }
 }
 
 QByteArray ReplyFile::Next(int size)

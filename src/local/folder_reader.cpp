@@ -1,26 +1,11 @@
 #include "local/folder_reader.h"
 
-#include "base/byte_text.h"
-#include "base/run_time_error.h"
-#include "platform/file_facts.h"
-
 #include <algorithm>
 #include <iterator>
-#include <system_error>
+#include <optional>
 #include <utility>
 
 namespace {
-
-namespace fs = std::filesystem;
-
-void ThrowWhenFailed(const std::error_code& error)
-{
-    if (!error) return;
-    if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory)
-        throw RuntimeError("Path not found");
-    if (error == std::errc::permission_denied) throw RuntimeError("Permission denied");
-    throw RuntimeError(QString::fromStdString(error.message()));
-}
 
 /// Names with a dot in front go last; otherwise case does not count.
 QString SortKey(const QString& name)
@@ -30,16 +15,11 @@ QString SortKey(const QString& name)
 
 }  // namespace
 
-FolderReader::FolderReader(const QString& folder, FilePattern pattern) : Pattern(std::move(pattern))
-{
-    std::error_code error;
-    Next = fs::directory_iterator(FilePath(folder), error);
-    ThrowWhenFailed(error);
-}
+FolderReader::FolderReader(const QString& folder, FilePattern pattern) : Pattern(std::move(pattern)), Scan(folder) {}
 
 bool FolderReader::ReadOn(std::chrono::milliseconds slice)
 {
-    if (Next != fs::directory_iterator()) {
+    if (!IsRead) {
         ReadSlice(slice);
         return true;
     }
@@ -52,16 +32,14 @@ void FolderReader::ReadSlice(std::chrono::milliseconds slice)
     Run files;
     Run folders;
     do {
-        const EntryKind kind = KindOf(*Next);
-        const QString name = PathText(Next->path().filename());
-        if (kind == EntryKind::Folder)
-            folders.push_back({SortKey(name), name});
-        else if (kind == EntryKind::File && Pattern.Matches(name))
-            files.push_back({SortKey(name), name});
-        std::error_code error;
-        Next.increment(error);
-        ThrowWhenFailed(error);
-    } while (Next != fs::directory_iterator() && std::chrono::steady_clock::now() < end);
+        const std::optional<FolderScan::Entry> entry = Scan.Next();
+        IsRead = !entry;
+        if (IsRead) break;
+        if (entry->Kind == EntryKind::Folder)
+            folders.push_back({SortKey(entry->Name), entry->Name});
+        else if (entry->Kind == EntryKind::File && Pattern.Matches(entry->Name))
+            files.push_back({SortKey(entry->Name), entry->Name});
+    } while (std::chrono::steady_clock::now() < end);
     SortInto(FileRuns, std::move(files));
     SortInto(FolderRuns, std::move(folders));
 }

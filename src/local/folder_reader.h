@@ -1,12 +1,12 @@
 #pragma once
 
 #include "local/file_pattern.h"
+#include "platform/folder_scan.h"
 
 #include <QString>
 #include <QStringList>
 #include <chrono>
 #include <deque>
-#include <filesystem>
 #include <vector>
 
 /// Reads one folder of the disk in slices, so that the caller may rest in between however large it is. Any thread.
@@ -42,7 +42,8 @@ private:
     void ReadSlice(std::chrono::milliseconds slice);
 
     FilePattern Pattern;
-    std::filesystem::directory_iterator Next;
+    FolderScan Scan;
+    bool IsRead = false;
     std::deque<Run> FileRuns;  ///< each sorted in itself; merged two by two once everything is read
     std::deque<Run> FolderRuns;
 };

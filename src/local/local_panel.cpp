@@ -24,9 +24,30 @@ constexpr int ManyFiles = 10'000;
 constexpr std::chrono::milliseconds FollowDelay{200};
 constexpr int RestAfterReading = 3;  // times as long as the reading has taken, in a folder that changes all the time
 
+// The current folder and the one above, as the watcher is told of them.
+#ifdef Q_OS_WIN
+// The watcher would take a relative path for one in the folder that is current when the watch ends.
+QString CurrentOne()
+{
+    return CurrentFolder();
+}
+
+QString OneAbove()
+{
+    return PathText(FilePath(CurrentFolder()).parent_path());
+}
+#else
 // As the process sees them, so that folders whose names are no text can be watched too.
-constexpr auto CurrentOne = ".";
-constexpr auto OneAbove = "..";
+QString CurrentOne()
+{
+    return QStringLiteral(".");
+}
+
+QString OneAbove()
+{
+    return QStringLiteral("..");
+}
+#endif
 
 const QStringList& FilterPatterns()
 {
@@ -162,13 +183,17 @@ void LocalPanel::WatchFolder()
         WaitForFolder();
         return;
     }
-    Watcher.addPath(CurrentOne);
-    Watcher.addPath(OneAbove);
+    WatchedFolder = CurrentOne();
+    WatchedAbove = OneAbove();
+    Watcher.addPath(WatchedFolder);
+    if (WatchedAbove != WatchedFolder) Watcher.addPath(WatchedAbove);
 }
 
 // What has gone may come back under its name: the nearest folder above that is still there tells.
 void LocalPanel::WaitForFolder()
 {
+    WatchedFolder.clear();
+    WatchedAbove.clear();
     Watcher.addPath(NearestFolder(Folder));
     // It may have come before the watch.
     if (IsFolder(Folder)) FollowTimer.start();
@@ -176,8 +201,9 @@ void LocalPanel::WaitForFolder()
 
 void LocalPanel::FolderTouched(const QString& watched)
 {
-    if (watched == OneAbove && CurrentFolder() == Folder) return;
-    const bool waiting = watched != CurrentOne && watched != OneAbove;
+    const bool here = watched == WatchedFolder;
+    if (!here && watched == WatchedAbove && CurrentFolder() == Folder) return;
+    const bool waiting = !here && watched != WatchedAbove;
     if (waiting && !IsFolder(Folder)) {
         WatchFolder();
         return;

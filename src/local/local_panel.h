@@ -89,5 +89,7 @@ private:
     int ReadingNumber = 0;  ///< counts readings: one that is overtaken by a newer shows nothing
     int ReadingsUnderWay = 0;
     QFileSystemWatcher Watcher;
+    QString WatchedFolder;  ///< the current one, as the watcher was told of it
+    QString WatchedAbove;
     QTimer FollowTimer;  ///< gathers changes that come together
 };

@@ -3,7 +3,6 @@
 #include <QDateTime>
 #include <QString>
 #include <cstdint>
-#include <filesystem>
 
 /// What the system knows of files, whatever the length of their paths. What cannot be done throws RuntimeError "File
 /// not found", "Permission denied" or the system's own sentence. Any thread.
@@ -22,7 +21,7 @@ void EraseFile(const QString& file);
 /// Whether there is such a folder, or a link to one.
 bool IsFolder(const QString& path);
 
-enum class EntryKind { File, Folder, Special };
+enum class EntryKind { None, File, Folder, Special };
 
-/// Links count as what they point to; what cannot be told counts as a file.
-EntryKind KindOf(const std::filesystem::directory_entry& entry);
+/// What there is under a path. Links count as what they point to. None where that cannot be told.
+EntryKind KindOf(const QString& path);

@@ -9,6 +9,9 @@
 /// separator at its end.
 QString ProgramFolder();
 
+/// The same for an executable in a given folder, without regard to the environment; nothing is created.
+QString ProgramFolderBeside(const QString& executableFolder);
+
 /// A file that ships with the program: the one in its folder when there is one, else the one beside the executable,
 /// else the one where packages install it. A path in the program's folder when it is nowhere.
 QString ShippedFile(const QString& programFolder, const QString& name);

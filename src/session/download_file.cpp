@@ -1,7 +1,9 @@
 #include "session/download_file.h"
 
 #include "base/byte_text.h"
+#include "base/local_name.h"
 #include "base/run_time_error.h"
+#include "platform/file_facts.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -25,12 +27,9 @@ void ThrowIf(const std::error_code& failure)
     if (failure) Refuse(failure.message());
 }
 
-std::uintmax_t SizeOf(const fs::path& file)
+std::uint64_t SizeOf(const fs::path& file)
 {
-    std::error_code failure;
-    const std::uintmax_t size = fs::file_size(file, failure);
-    ThrowIf(failure);
-    return size;
+    return FactsOf(PathText(file)).Bytes;
 }
 
 /// Copies what the old file holds from the length of the new one on.
@@ -55,39 +54,17 @@ void AppendTail(const fs::path& file, const fs::path& old, const std::atomic<boo
 void TakePlace(const fs::path& file, const fs::path& target, const std::atomic<bool>& stop)
 {
     std::error_code failure;
-    const fs::file_status old = fs::status(target, failure);
-    if (fs::exists(old)) {
-        if (!fs::is_regular_file(old)) Refuse("something else has this name");
+    if (const EntryKind old = KindOf(PathText(target)); old != EntryKind::None) {
+        if (old != EntryKind::File) Refuse("something else has this name");
         // A file that may not be written to is not replaced either.
         if (!std::ofstream(target, std::ios::binary | std::ios::in)) Refuse(std::generic_category().message(errno));
         if (SizeOf(target) > SizeOf(file)) AppendTail(file, target, stop);
-        fs::permissions(file, old.permissions(), failure);
+        const fs::file_status status = fs::status(target, failure);
+        if (fs::exists(status)) fs::permissions(file, status.permissions(), failure);
     }
     fs::rename(file, target, failure);
     ThrowIf(failure);
 }
-
-#ifdef _WIN32
-/// "nul", "com1.txt" and the like are no files on this system.
-bool IsDevice(const QString& name)
-{
-    const QString stem = name.section(u'.', 0, 0).trimmed().toLower();
-    if (stem == u"con" || stem == u"prn" || stem == u"aux" || stem == u"nul") return true;
-    return stem.size() == 4 && (stem.startsWith(u"com") || stem.startsWith(u"lpt")) && stem.back().isDigit();
-}
-
-bool SuitsSystem(const QString& name)
-{
-    const bool barred =
-        std::any_of(name.begin(), name.end(), [](QChar sign) { return QStringView(u"<>:\"\\|?*").contains(sign); });
-    return !barred && !name.endsWith(u'.') && !name.endsWith(u' ') && !IsDevice(name);
-}
-#else
-bool SuitsSystem(const QString&)
-{
-    return true;
-}
-#endif
 
 }  // namespace
 
@@ -95,7 +72,7 @@ bool IsFileName(const QString& name)
 {
     const auto unfit = [](QChar sign) { return sign < u' ' || sign == u'\x7F' || sign == u'/'; };
     return !name.isEmpty() && name != u"." && name != u".." && std::none_of(name.begin(), name.end(), unfit) &&
-           SuitsSystem(name);
+           IsFileNameHere(TextToBytes(name).toStdString());
 }
 
 QString HiddenFile(const QString& folder)
@@ -114,8 +91,11 @@ QString TakeOver(const QString& hidden)
 
 void Discard(const QString& hidden)
 {
-    std::error_code ignored;
-    fs::remove(FilePath(hidden), ignored);
+    try {
+        EraseFile(hidden);
+    } catch (const RuntimeError&) {
+        // It is not there, or it stays.
+    }
 }
 
 QString LayOver(const QString& hidden, const QString& target, const std::atomic<bool>& stop)

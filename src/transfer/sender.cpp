@@ -1,9 +1,9 @@
 #include "transfer/sender.h"
 
-#include "base/byte_text.h"
 #include "base/file_address.h"
 #include "controls/list_box.h"
 #include "inet/inet.h"
+#include "platform/file_facts.h"
 #include "session/commands.h"
 #include "session/transfer_state.h"
 #include "session/waits.h"
@@ -14,8 +14,6 @@
 #include "transfer/name_options.h"
 
 #include <QDir>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -31,8 +29,7 @@ QString NameOf(const QString& path)
 /// Folders, pipes and devices are none; what a link leads to decides. Whether it can be read shows when it is sent.
 bool IsFile(const QString& path)
 {
-    std::error_code ignored;
-    return !path.isEmpty() && std::filesystem::is_regular_file(FilePath(path), ignored);
+    return !path.isEmpty() && KindOf(path) == EntryKind::File;
 }
 
 QString PutOperation(const QString& path, const QString& name)

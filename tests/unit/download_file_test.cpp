@@ -21,6 +21,7 @@ private slots:
     void ATailOfSeveralPiecesIsKept();
     void TheOldFilesPermissionsAreKept();
     void AFolderInTheWayIsNotTouched();
+    void PathsMayBeLong();
 #ifndef Q_OS_WIN
     void ADiskThatIsFullLeavesTheOldFile();
 #endif
@@ -123,6 +124,31 @@ void DownloadFileTest::AFolderInTheWayIsNotTouched()
     QVERIFY(QFileInfo(Path("file")).isDir());
 }
 
+void DownloadFileTest::PathsMayBeLong()
+{
+    const QString inner = QString(100, u'f') + '/' + QString(100, u'g');
+    QVERIFY(QDir(Folder->path()).mkpath(inner));
+    const QString name = inner + '/' + QString(60, u'n');
+    QVERIFY(Path(name).size() > 260);
+    const QString hidden = HiddenFile(Path(inner));
+    Put(name, "01234");
+    Put(hidden.mid(Folder->path().size() + 1), "abc");
+    const QString own = TakeOver(hidden);
+    QVERIFY(!own.isEmpty());
+    QCOMPARE(LayOver(own, Path(name), Stop), QString());
+    QCOMPARE(Content(name), QByteArray("abc34"));
+    const auto names = [&] {
+        return QDir(Path(inner)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    };
+    QCOMPARE(names(), QStringList(QString(60, u'n')));
+
+    const QString folder = inner + '/' + QString(61, u'd');
+    QVERIFY(QDir(Folder->path()).mkpath(folder));
+    Put(inner + "/.hidden", "abc");
+    QVERIFY(LayOver(Path(inner + "/.hidden"), Path(folder), Stop).contains("something else has this name"));
+    QCOMPARE(names(), (QStringList{QString(61, u'd'), QString(60, u'n')}));
+}
+
 #ifndef Q_OS_WIN
 
 // A limit for the size of files does what a full disk does: writing fails in the midst.
@@ -190,6 +216,15 @@ void DownloadFileTest::NamesThatCanBeFiles_data()
     QTest::newRow("a control character") << "a\nb" << false;
     QTest::newRow("a NUL") << QString("a") + QChar(0) + "b" << false;
     QTest::newRow("a delete character") << "a\x7F" << false;
+#ifdef Q_OS_WIN
+    constexpr bool HereToo = false;
+#else
+    constexpr bool HereToo = true;
+#endif
+    QTest::newRow("a device of Windows") << "COM1.txt" << HereToo;
+    QTest::newRow("a device of Windows that is seldom meant") << "conin$" << HereToo;
+    QTest::newRow("a stream of another file") << "a.txt:b" << HereToo;
+    QTest::newRow("a dot at the end") << "a.txt." << HereToo;
 }
 
 void DownloadFileTest::NamesThatCanBeFiles()

@@ -1,6 +1,7 @@
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
 #include "local/folder_reader.h"
+#include "support/many_files.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -128,7 +129,7 @@ void FolderReaderTest::NamesThatAreNoTextComeBackAsTheSameBytes()
 
 void FolderReaderTest::ALargeFolderIsReadInSlicesAndComesOutSorted()
 {
-    constexpr int Count = 3000;
+    constexpr int Count = ThisManyFiles(3000);
     for (int number = 0; number < Count; ++number) MakeFile("f" + std::to_string(number * 7919 % Count));
     FolderReader reader(Folder->path(), FilePattern());
     int slices = 0;

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <csignal>
@@ -34,6 +35,8 @@ private slots:
     void TheProgramsFolderIsMadeWhenItIsMissing();
 #endif
     void TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten();
+    void TheUsersOwnFolderStandsInForOneThatCannotBeWritten_data();
+    void TheUsersOwnFolderStandsInForOneThatCannotBeWritten();
     void TheShortFormOfNothingIsNothing();
     void TheShortPathOfAMissingFileIsThePathItself();
     void TheShortNameOfAMissingFileIsEmpty();
@@ -71,6 +74,7 @@ void PlatformTest::cleanup()
 {
     ChangeCurrentFolder(Before);
     qunsetenv("TOLVANE_HOME");
+    qunsetenv("XDG_DATA_HOME");
 }
 
 void PlatformTest::TheVariableNamesTheProgramsFolder()
@@ -94,6 +98,32 @@ void PlatformTest::TheProgramsFolderIsMadeWhenItIsMissing()
 void PlatformTest::TheProgramsFolderIsTheExecutablesWhenThatCanBeWritten()
 {
     QCOMPARE(ProgramFolder(), QDir::toNativeSeparators(QCoreApplication::applicationDirPath()));
+}
+
+void PlatformTest::TheUsersOwnFolderStandsInForOneThatCannotBeWritten_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("one that is gone") << QString("/no/such/folder");
+#ifdef Q_OS_WIN
+    // Under Wine a folder in which not even an administrator makes a file.
+    QTest::newRow("one of the system's") << QString("Z:/proc");
+    QTest::newRow("a drive that is not there") << QString("Q:/");
+#endif
+}
+
+void PlatformTest::TheUsersOwnFolderStandsInForOneThatCannotBeWritten()
+{
+    QFETCH(const QString, folder);
+#ifdef Q_OS_WIN
+    const QString own = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Tolvane";
+#else
+    qputenv("XDG_DATA_HOME", Folder->path().toUtf8());
+    const QString own = Folder->path() + "/Tolvane";
+#endif
+    QCOMPARE(ProgramFolderBeside(folder), QDir::toNativeSeparators(own));
+    const QString writable = QDir::toNativeSeparators(Folder->path());
+    QCOMPARE(ProgramFolderBeside(writable), writable);
+    QCOMPARE(QDir(writable).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList());
 }
 
 void PlatformTest::TheShortFormOfNothingIsNothing()

@@ -63,21 +63,35 @@ private slots:
     void RenameWithNothingSelectedBeeps();
     void RenameEndsWithTheProgram();
 
+#ifndef Q_OS_WIN
     void AFolderThatIsGoneIsTold();
+#endif
 
 private:
-    ListBox& Files() const { return Driver->Files(); }
+    ListBox& Files() const
+    {
+        return Driver->Files();
+    }
 
     void Select(const QString& name) const
     {
         PanelDriver::LeftClick(Files(), static_cast<int>(Files().Entries().indexOf(name)));
     }
 
-    QString PathOf(const QString& name) const { return QDir::toNativeSeparators(CurrentFolder() + '/' + name); }
+    QString PathOf(const QString& name) const
+    {
+        return QDir::toNativeSeparators(CurrentFolder() + '/' + name);
+    }
 
-    bool Exists(const QString& name) const { return QFile::exists(PathOf(name)); }
+    bool Exists(const QString& name) const
+    {
+        return QFile::exists(PathOf(name));
+    }
 
-    QString Stamp() const { return "        " + GeneralDateTime(Driver->Now); }
+    QString Stamp() const
+    {
+        return "        " + GeneralDateTime(Driver->Now);
+    }
 
     QWidget* Viewer() const
     {
@@ -561,6 +575,8 @@ void LocalOperationsTest::RenameEndsWithTheProgram()
     QVERIFY(Exists("a") && !Exists("b"));
 }
 
+#ifndef Q_OS_WIN
+// Elsewhere the system keeps a folder while it is a program's current one.
 void LocalOperationsTest::AFolderThatIsGoneIsTold()
 {
     QVERIFY(QDir(Driver->LocalFolder()).mkdir("deeper"));
@@ -575,6 +591,7 @@ void LocalOperationsTest::AFolderThatIsGoneIsTold()
     QCOMPARE(Driver->Edited, QStringList());
     ChangeCurrentFolder(Driver->LocalFolder());
 }
+#endif
 
 QTEST_MAIN(LocalOperationsTest)
 #include "local_operations_test.moc"

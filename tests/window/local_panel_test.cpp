@@ -1,5 +1,6 @@
 #include "base/byte_text.h"
 #include "platform/current_folder.h"
+#include "support/many_files.h"
 #include "support/panel_driver.h"
 
 #include <QComboBox>
@@ -33,8 +34,10 @@ private slots:
     void ADoubleClickOnAFolderAboveMovesUp();
     void TheEnterKeyMovesToTheHighlightedFolder();
     void AVanishedFolderIsToldAndThePanelStays();
+#ifndef Q_OS_WIN
     void ACurrentFolderThatVanishesShowsNoFilesAndIsTold();
     void ACurrentFolderThatComesBackIsFoundAgain();
+#endif
     void TheDriveListHoldsTheRootAndMovesThere();
     void TheDriveListFollowsTheFolder();
     void ADriveThatIsGoneIsToldAndTheListGoesBack();
@@ -53,6 +56,11 @@ private:
     static QString Root()
     {
         return QDir::toNativeSeparators(QDir::rootPath());
+    }
+
+    static QString Inside(const QString& folder, const QString& name)
+    {
+        return folder + QDir::separator() + name;
     }
 
     QComboBox& Filter() const
@@ -233,7 +241,7 @@ void LocalPanelTest::ADoubleClickMovesIntoASubFolder()
     Driver->Open();
     const QString before = CurrentFolder();
     DoubleClickFolder("deeper");
-    QCOMPARE(CurrentFolder(), before + "/deeper");
+    QCOMPARE(CurrentFolder(), Inside(before, "deeper"));
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"file"});
     QCOMPARE(FolderNames().last(), QString("still"));
 }
@@ -241,7 +249,7 @@ void LocalPanelTest::ADoubleClickMovesIntoASubFolder()
 void LocalPanelTest::ADoubleClickOnAFolderAboveMovesUp()
 {
     Driver->Open();
-    const QString above = QFileInfo(CurrentFolder()).path();
+    const QString above = QDir::toNativeSeparators(QFileInfo(CurrentFolder()).path());
     DoubleClickFolder(QFileInfo(above).fileName());
     QCOMPARE(CurrentFolder(), above);
 }
@@ -254,7 +262,7 @@ void LocalPanelTest::TheEnterKeyMovesToTheHighlightedFolder()
     Folders().setFocus();
     QTest::keyClick(&Folders(), Qt::Key_Down);
     QTest::keyClick(&Folders(), Qt::Key_Return);
-    QCOMPARE(CurrentFolder(), before + "/deeper");
+    QCOMPARE(CurrentFolder(), Inside(before, "deeper"));
 }
 
 void LocalPanelTest::AVanishedFolderIsToldAndThePanelStays()
@@ -264,11 +272,13 @@ void LocalPanelTest::AVanishedFolderIsToldAndThePanelStays()
     const QString before = CurrentFolder();
     QVERIFY(QDir(Driver->LocalFolder()).rmdir("deeper"));
     DoubleClickFolder("deeper");
-    QCOMPARE(Driver->Status(), "Cannot open folder " + before + "/deeper: Path not found");
+    QCOMPARE(Driver->Status(), "Cannot open folder " + Inside(before, "deeper") + ": Path not found");
     QCOMPARE(CurrentFolder(), before);
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"file"});
 }
 
+#ifndef Q_OS_WIN
+// Elsewhere the system keeps a folder while it is a program's current one.
 void LocalPanelTest::ACurrentFolderThatVanishesShowsNoFilesAndIsTold()
 {
     QVERIFY(QDir(Driver->LocalFolder()).mkdir("deeper"));
@@ -297,6 +307,8 @@ void LocalPanelTest::ACurrentFolderThatComesBackIsFoundAgain()
     QCOMPARE(CurrentFolder(), folder);
     QCOMPARE(PanelDriver::Entries(Driver->Files()), QStringList{"new"});
 }
+
+#endif
 
 void LocalPanelTest::TheDriveListHoldsTheRootAndMovesThere()
 {
@@ -359,7 +371,7 @@ void LocalPanelTest::NamesThatAreNoTextAreShownHarmlesslyAndKept()
 
 void LocalPanelTest::AFolderOfThousandsIsShownWhole()
 {
-    constexpr int Count = 20'000;
+    constexpr int Count = ThisManyFiles(20'000);
     const std::filesystem::path folder = FilePath(Driver->LocalFolder()) / "many";
     std::filesystem::create_directory(folder);
     for (int number = 0; number < Count; ++number) std::ofstream(folder / std::to_string(number));

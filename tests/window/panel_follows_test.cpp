@@ -1,4 +1,5 @@
 #include "platform/current_folder.h"
+#include "support/many_files.h"
 #include "support/panel_driver.h"
 
 #include <QDir>
@@ -31,15 +32,17 @@ private slots:
     void ThePlaceInTheFolderListStays();
     void TheFolderThatWasMovedToIsFollowed();
     void ManyChangesAreGathered();
+#ifdef Q_OS_WIN
+    void AFolderThatIsShownStays();
+#else
     void AFolderThatVanishesIsTold();
     void AFolderThatComesBackIsShownAgain();
     void AFolderThatComesBackWithTheOneAboveIsShownAgain();
     void AFolderThatIsRenamedKeepsItsFiles();
-#ifndef Q_OS_WIN
     void AFolderWithoutPermissionIsTold();
-#endif
     void AFolderWhoseNameIsNoTextIsFollowed();
-    void AHundredThousandFilesCauseNoPause();
+#endif
+    void AFolderOfVeryManyFilesCausesNoPause();
 
 private:
     ListBox& Files() const
@@ -57,11 +60,15 @@ private:
         return Driver->LocalFolder() + '/' + name;
     }
 
+    static QString NameOf(int number)
+    {
+        return QString("file %1").arg(number, 6, 10, QChar('0'));
+    }
+
     void MakeNumbered(int count) const
     {
         const std::filesystem::path folder = Driver->LocalFolder().toStdString();
-        for (int number = 0; number < count; ++number)
-            std::ofstream(folder / QString("file %1").arg(number, 6, 10, QChar('0')).toStdString());
+        for (int number = 0; number < count; ++number) std::ofstream(folder / NameOf(number).toStdString());
     }
 
     std::unique_ptr<PanelDriver> Driver;
@@ -173,14 +180,16 @@ void PanelFollowsTest::ThePlaceInTheListStays()
 
 void PanelFollowsTest::ThePlaceInALongListStays()
 {
-    MakeNumbered(10'000);
+    constexpr int Count = ThisManyFiles(10'000);
+    constexpr int Top = Count / 10 * 7;
+    MakeNumbered(Count);
     Driver->Open();
-    QTRY_VERIFY(Files().verticalScrollBar()->maximum() > 9000);
-    Files().verticalScrollBar()->setValue(7000);
+    QTRY_VERIFY(Files().verticalScrollBar()->maximum() > Count / 10 * 9);
+    Files().verticalScrollBar()->setValue(Top);
     Driver->MakeFile("a");
-    QTRY_COMPARE(Files().Count(), 10'001);
-    QTRY_COMPARE(Files().verticalScrollBar()->value(), 7001);
-    QCOMPARE(Files().Entry(Files().indexAt({0, 0}).row()), QString("file 007000"));
+    QTRY_COMPARE(Files().Count(), Count + 1);
+    QTRY_COMPARE(Files().verticalScrollBar()->value(), Top + 1);
+    QCOMPARE(Files().Entry(Files().indexAt({0, 0}).row()), NameOf(Top));
 }
 
 void PanelFollowsTest::ThePlaceInTheFolderListStays()
@@ -214,6 +223,25 @@ void PanelFollowsTest::ManyChangesAreGathered()
     QTRY_COMPARE(Files().Count(), 1000);
     QVERIFY2(updates < 20, qPrintable(QString::number(updates)));
 }
+
+#ifdef Q_OS_WIN
+
+// The folder in the panel is the program's current one, which the system lets nobody erase or rename.
+void PanelFollowsTest::AFolderThatIsShownStays()
+{
+    QVERIFY(QDir().mkdir(Inside("deeper")));
+    Driver->Open();
+    PanelDriver::DoubleClick(Folders(), Folders().Count() - 1);
+    const QString status = Driver->Status();
+    QVERIFY(!QDir().rmdir(Inside("deeper")));
+    QVERIFY(!QDir().rename(Inside("deeper"), Inside("renamed")));
+    Driver->MakeFile("deeper/new");
+    QTRY_COMPARE(Files().Entries(), QStringList("new"));
+    QCOMPARE(Driver->Status(), status);
+    ChangeCurrentFolder(Driver->LocalFolder());
+}
+
+#else
 
 void PanelFollowsTest::AFolderThatVanishesIsTold()
 {
@@ -282,7 +310,6 @@ void PanelFollowsTest::AFolderThatIsRenamedKeepsItsFiles()
     QTRY_COMPARE(Files().Count(), 2);
 }
 
-#ifndef Q_OS_WIN
 // Who may read everything sees no difference.
 void PanelFollowsTest::AFolderWithoutPermissionIsTold()
 {
@@ -297,7 +324,6 @@ void PanelFollowsTest::AFolderWithoutPermissionIsTold()
         QCOMPARE(Driver->Status(), "Cannot open folder " + CurrentFolder() + "/deeper: Permission denied");
     std::filesystem::permissions(Inside("deeper").toStdString(), std::filesystem::perms::owner_all);
 }
-#endif
 
 void PanelFollowsTest::AFolderWhoseNameIsNoTextIsFollowed()
 {
@@ -311,10 +337,12 @@ void PanelFollowsTest::AFolderWhoseNameIsNoTextIsFollowed()
     std::filesystem::remove_all(odd);
 }
 
+#endif
+
 // The processor's time counts, so that a busy machine does not.
-void PanelFollowsTest::AHundredThousandFilesCauseNoPause()
+void PanelFollowsTest::AFolderOfVeryManyFilesCausesNoPause()
 {
-    constexpr int Count = 100'000;
+    constexpr int Count = ThisManyFiles(100'000);
     constexpr double LongestPause = 0.5;  // a tenth is meant; sanitizers take several times as long
     QVERIFY(QDir().mkdir(Inside("many")));
     const std::filesystem::path folder = Inside("many").toStdString();

@@ -1,5 +1,7 @@
+#include "platform/short_path.h"
 #include "support/operations_bench.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QListView>
 
@@ -331,7 +333,7 @@ void RemoteOperationsTest::ATextFileWithACopyIsReadOntoIt()
 {
     Driver->MakeFile("read me.txt");
     ConnectWith(*Driver, {"read me.txt"});
-    const QString copy = Driver->LocalFolder() + "/read me.txt";
+    const QString copy = ShortPath(QDir::toNativeSeparators(Driver->LocalFolder() + "/read me.txt"));
     Driver->Click("Command5");
     QCOMPARE(Driver->Operations(), QStringList{"GET \"read me.txt\" " + copy});
     QCOMPARE(Driver->Edited, QStringList{copy});

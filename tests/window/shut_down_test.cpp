@@ -91,7 +91,7 @@ void ShutDownTest::ClosingStoresTheFolder()
     Program->Open();
     Program->Close();
     QCOMPARE(Program->Setting("SaveDrive"), ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
-    QCOMPARE(Program->Values->Start.ExitFolder, Program->LocalFolder());
+    QCOMPARE(Program->Values->Start.ExitFolder, ShortPath(QDir::toNativeSeparators(Program->LocalFolder())));
 }
 
 void ShutDownTest::ARestartBringsConnectionAndFolderBack()
@@ -106,7 +106,7 @@ void ShutDownTest::ARestartBringsConnectionAndFolderBack()
     QCOMPARE(Program->Control<QComboBox>("txtURL").currentText(), QString("ftp://files.example"));
     QCOMPARE(Program->Control<QLineEdit>("txtUserName").text(), QString("ann"));
     QCOMPARE(Program->Control<QLineEdit>("txtPassword").text(), QString("secret"));
-    QCOMPARE(CurrentFolder(), other.path());
+    QCOMPARE(CurrentFolder(), ShortPath(QDir::toNativeSeparators(other.path())));
     Program->Close();
     ChangeCurrentFolder("/");
 }

@@ -273,7 +273,7 @@ void SmallWindowsTest::AnEditorThatCannotStartIsTold()
 
 void SmallWindowsTest::TheManualShipsWithTheProgram()
 {
-    QFile manual(TOLVANE_MANUAL);
+    QFile manual(QCoreApplication::applicationDirPath() + "/../bin/help.txt");
     QVERIFY2(manual.open(QIODevice::ReadOnly), "help.txt lies beside the program");
     const QString text = QString::fromUtf8(manual.readAll());
     // What its readers look for first.

@@ -256,7 +256,7 @@ void StartUpTest::TheSavedFolderIsNotReadWithTheOptionOff()
     Program->Store("SaveDrive", other.path());
     Program->Open();
     QCOMPARE(CurrentFolder(), QDir::toNativeSeparators(Program->LocalFolder()));
-    QCOMPARE(Program->Values->Start.StartFolder, Program->LocalFolder());
+    QCOMPARE(Program->Values->Start.StartFolder, QDir::toNativeSeparators(Program->LocalFolder()));
 }
 
 void StartUpTest::AFolderThatIsGoneLeavesTheCurrentOne()

@@ -2,6 +2,7 @@
 
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
+#include "platform/unix/entry_kind.h"
 
 #include <chrono>
 #include <system_error>
@@ -52,19 +53,8 @@ bool IsFolder(const QString& path)
     return fs::is_directory(FilePath(path), ignored);
 }
 
-// The disk is asked only where the folder itself does not tell.
-EntryKind KindOf(const fs::directory_entry& entry)
+EntryKind KindOf(const QString& path)
 {
     std::error_code ignored;
-    switch (entry.status(ignored).type()) {
-    case fs::file_type::directory:
-        return EntryKind::Folder;
-    case fs::file_type::fifo:
-    case fs::file_type::socket:
-    case fs::file_type::block:
-    case fs::file_type::character:
-        return EntryKind::Special;
-    default:
-        return EntryKind::File;
-    }
+    return EntryKindOf(fs::status(FilePath(path), ignored).type());
 }

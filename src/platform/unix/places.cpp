@@ -40,14 +40,17 @@ Path UserDataFolder()
     return data / "Tolvane";
 }
 
+Path KeepingFolder(const Path& executable)
+{
+    return !executable.empty() && access(executable.c_str(), W_OK) == 0 ? executable : UserDataFolder();
+}
+
 Path Choose()
 {
     std::error_code failure;
     if (const Path home = FromEnvironment("TOLVANE_HOME"); !home.empty())
         return std::filesystem::absolute(home, failure).lexically_normal();
-    Path executable = ExecutableFolder();
-    if (!executable.empty() && access(executable.c_str(), W_OK) == 0) return executable;
-    return UserDataFolder();
+    return KeepingFolder(ExecutableFolder());
 }
 
 }  // namespace
@@ -59,6 +62,11 @@ QString ProgramFolder()
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
     return PathText(folder);
+}
+
+QString ProgramFolderBeside(const QString& executableFolder)
+{
+    return PathText(KeepingFolder(FilePath(executableFolder)));
 }
 
 QString ShippedFile(const QString& programFolder, const QString& name)

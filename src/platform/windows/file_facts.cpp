@@ -2,9 +2,7 @@
 
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
-#include "platform/error_text.h"
-
-#include <windows.h>
+#include "platform/windows/file_errors.h"
 
 // The system's own calls throughout: those of the C library refuse the form that long paths need.
 
@@ -15,21 +13,6 @@ constexpr std::int64_t TicksPerSecond = 10'000'000;
 constexpr std::int64_t SecondsBefore1970 = 11'644'473'600;
 
 constexpr DWORD EveryOtherUse = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-[[noreturn]] void Throw(DWORD error)
-{
-    switch (error) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_NAME:
-        throw RuntimeError("File not found");
-    case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT:
-        throw RuntimeError("Permission denied");
-    default:
-        throw RuntimeError(QString::fromStdString(SystemErrorText(static_cast<int>(error))));
-    }
-}
 
 std::uint64_t Whole(DWORD high, DWORD low)
 {
@@ -54,12 +37,12 @@ FileFacts FactsOf(const QString& file)
     // Opened without the right to read: a file that another program keeps to itself tells its size, too.
     const HANDLE handle = CreateFileW(FilePath(file).c_str(), FILE_READ_ATTRIBUTES, EveryOtherUse, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) Throw(GetLastError());
+    if (handle == INVALID_HANDLE_VALUE) ThrowFileError(GetLastError());
     BY_HANDLE_FILE_INFORMATION facts{};
     const bool told = GetFileInformationByHandle(handle, &facts) != 0;
     const DWORD error = GetLastError();
     CloseHandle(handle);
-    if (!told) Throw(error);
+    if (!told) ThrowFileError(error);
     if (IsFolder(facts.dwFileAttributes)) throw RuntimeError("Is a directory");
     return {Whole(facts.nFileSizeHigh, facts.nFileSizeLow), DateOf(facts.ftLastWriteTime)};
 }
@@ -71,7 +54,7 @@ void EraseFile(const QString& file)
     const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (IsFolder(attributes) && !isLink) throw RuntimeError("File not found");
     const bool erased = IsFolder(attributes) ? RemoveDirectoryW(path.c_str()) != 0 : DeleteFileW(path.c_str()) != 0;
-    if (!erased) Throw(GetLastError());
+    if (!erased) ThrowFileError(GetLastError());
 }
 
 bool IsFolder(const QString& path)
@@ -79,8 +62,9 @@ bool IsFolder(const QString& path)
     return IsFolder(GetFileAttributesW(FilePath(path).c_str()));
 }
 
-// An entry's path may be long although its folder's is not.
-EntryKind KindOf(const std::filesystem::directory_entry& entry)
+EntryKind KindOf(const QString& path)
 {
-    return IsFolder(PathText(entry.path())) ? EntryKind::Folder : EntryKind::File;
+    const DWORD attributes = GetFileAttributesW(FilePath(path).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return EntryKind::None;
+    return IsFolder(attributes) ? EntryKind::Folder : EntryKind::File;
 }

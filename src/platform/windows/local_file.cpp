@@ -1,5 +1,7 @@
 #include "platform/local_file.h"
 
+#include "base/local_name.h"
+
 #include <atomic>
 #include <fcntl.h>
 #include <io.h>
@@ -34,10 +36,10 @@ int DescriptorOf(HANDLE handle, int flags)
 }
 
 /// A name that no other part file of any running program has, short enough for every file system.
-std::wstring PartName()
+std::string PartName()
 {
     static std::atomic<unsigned> number = 0;
-    return L".tolvane-" + std::to_wstring(GetCurrentProcessId()) + L'-' + std::to_wstring(++number) + L".part";
+    return ".tolvane-" + std::to_string(GetCurrentProcessId()) + '-' + std::to_string(++number) + ".part";
 }
 
 /// Gives a file the rights of another one. A file system without rights refuses, and all is well.
@@ -61,6 +63,8 @@ SourceFile::SourceFile(const std::filesystem::path& path)
         CloseHandle(handle);
         Throw(ERROR_ACCESS_DENIED);
     }
+    LARGE_INTEGER size = {};
+    if (GetFileSizeEx(handle, &size) != 0) Bytes = static_cast<std::uint64_t>(size.QuadPart);
     File = DescriptorOf(handle, _O_RDONLY);
 }
 
@@ -83,7 +87,8 @@ PartFile::PartFile(std::filesystem::path target) : Target(std::move(target))
     if (exists && (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) Throw(ERROR_ACCESS_DENIED);
     HANDLE handle = INVALID_HANDLE_VALUE;
     do {
-        Part = Target.parent_path() / PartName();
+        // Its path may be a long one although the target's is not.
+        Part = LocalPath(Target.parent_path(), PartName());
         handle = CreateFileW(Part.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                              FILE_ATTRIBUTE_HIDDEN, nullptr);
     } while (handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS);

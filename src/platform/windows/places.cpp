@@ -46,14 +46,18 @@ Path UserDataFolder()
     return data / L"Tolvane";
 }
 
+Path KeepingFolder(const Path& executable)
+{
+    return CanBeWritten(executable) ? executable : UserDataFolder();
+}
+
 Path Choose()
 {
     if (const QString home = qEnvironmentVariable("TOLVANE_HOME"); !home.isEmpty()) {
         std::error_code failure;
         return std::filesystem::absolute(FilePath(home), failure).lexically_normal();
     }
-    Path executable = ExecutableFolder();
-    return CanBeWritten(executable) ? executable : UserDataFolder();
+    return KeepingFolder(ExecutableFolder());
 }
 
 }  // namespace
@@ -65,6 +69,11 @@ QString ProgramFolder()
     std::error_code failure;
     std::filesystem::create_directories(folder, failure);
     return PathText(folder);
+}
+
+QString ProgramFolderBeside(const QString& executableFolder)
+{
+    return PathText(KeepingFolder(FilePath(executableFolder)));
 }
 
 QString ShippedFile(const QString& programFolder, const QString& name)
