@@ -10,7 +10,15 @@ constexpr int SecureHttpPort = 443;
 
 using HeldCertificate = std::unique_ptr<X509, decltype(&X509_free)>;
 
-int ErrorOf(QSslError::SslError error)
+/// Of an authority that is not trusted, where the check says no more: the check of Windows knows no self-signed ones.
+int UntrustedError(X509* certificate)
+{
+    return certificate != nullptr && X509_check_issued(certificate, certificate) == X509_V_OK
+               ? X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT
+               : X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY;
+}
+
+int ErrorOf(QSslError::SslError error, X509* certificate)
 {
     switch (error) {
     case QSslError::CertificateExpired:
@@ -34,6 +42,8 @@ int ErrorOf(QSslError::SslError error)
         return X509_V_ERR_CERT_REVOKED;
     case QSslError::CertificateRejected:
         return X509_V_ERR_CERT_REJECTED;
+    case QSslError::CertificateUntrusted:
+        return UntrustedError(certificate);
     case QSslError::InvalidPurpose:
         return X509_V_ERR_INVALID_PURPOSE;
     case QSslError::InvalidCaCertificate:
@@ -55,7 +65,7 @@ Ftp::Certificate ShownCertificate(const QUrl& url, const QSslCertificate& certif
     Ftp::Certificate shown = held ? Ftp::FactsOf(held.get()) : Ftp::Certificate();
     shown.Host = url.host(QUrl::FullyEncoded).toStdString();
     shown.Port = static_cast<std::uint16_t>(url.port(SecureHttpPort));
-    for (const QSslError& one : errors) shown.Errors.push_back(ErrorOf(one.error()));
+    for (const QSslError& one : errors) shown.Errors.push_back(ErrorOf(one.error(), held.get()));
     if (shown.Errors.empty()) shown.Errors.push_back(X509_V_ERR_CERT_UNTRUSTED);
     return shown;
 }

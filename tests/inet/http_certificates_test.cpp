@@ -1,3 +1,4 @@
+#include "inet/http_trust.h"
 #include "support/downloads.h"
 #include "support/http_server.h"
 #include "support/loopback_server.h"
@@ -25,6 +26,7 @@ private slots:
     void TheEndOfTheProgramEndsTheQuestion();
     void AnAnswerThatComesLateDoesNothing();
     void GetByNameAsksTheSame();
+    void WhatIsOnlySaidToBeUntrustedIsLookedAt();
 
 private:
     /// Answers each question in turn, then with no.
@@ -230,6 +232,19 @@ void HttpCertificatesTest::GetByNameAsksTheSame()
     QCOMPARE(Visit->Do("GET \"x\" \"y\"").last(), int(Inet::Error));
     QCOMPARE(Visit->Component->ResponseInfo(), Refusal);
     QCOMPARE(Visit->Files(), QStringList{"x"});
+}
+
+// The system's check may say no more of an authority than that it is not trusted.
+void HttpCertificatesTest::WhatIsOnlySaidToBeUntrustedIsLookedAt()
+{
+    const HttpCertificate authority = HttpCertificate::For("authority");
+    const QSslCertificate signedOne = HttpCertificate::For("127.0.0.1", -1, 30, &authority).Certificate;
+    const auto doubts = [](const QSslCertificate& certificate) {
+        return QString::fromStdString(Ftp::DoubtsOf(ShownCertificate(
+            QUrl("https://127.0.0.1/"), certificate, {QSslError(QSslError::CertificateUntrusted, certificate)})));
+    };
+    QCOMPARE(doubts(Own.Certificate), "it is signed by nobody but itself");
+    QCOMPARE(doubts(signedOne), "it is signed by nobody whom this computer trusts");
 }
 
 QTEST_GUILESS_MAIN(HttpCertificatesTest)
