@@ -3,6 +3,7 @@
 #include <memory>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
+#include <openssl/x509v3.h>
 
 namespace {
 

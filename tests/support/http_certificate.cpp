@@ -79,5 +79,5 @@ HttpCertificate HttpCertificate::For(const QString& host, int firstDay, int last
     const QByteArray keyText =
         PemOf([&](BIO* out) { PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
     const QByteArray text = PemOf([&](BIO* out) { PEM_write_bio_X509(out, certificate); });
-    return {QSslCertificate(text), keyText};
+    return {QSslCertificate(text), keyText, authority ? authority->Certificate.toPem() : QByteArray()};
 }

@@ -6,6 +6,18 @@
 #include <openssl/pem.h>
 #include <openssl/ssl.h>
 
+namespace {
+
+X509* ReadCertificate(const QByteArray& pem)
+{
+    BIO* memory = BIO_new_mem_buf(pem.constData(), static_cast<int>(pem.size()));
+    X509* certificate = PEM_read_bio_X509(memory, nullptr, nullptr, nullptr);
+    BIO_free(memory);
+    return certificate;
+}
+
+}  // namespace
+
 struct ServerTls::State {
     State() : Settings(SSL_CTX_new(TLS_server_method())), In(BIO_new(BIO_s_mem())), Out(BIO_new(BIO_s_mem())) {}
 
@@ -27,12 +39,12 @@ struct ServerTls::State {
 
 ServerTls::ServerTls(const HttpCertificate& certificate) : It(std::make_unique<State>())
 {
-    const QByteArray text = certificate.Certificate.toPem();
-    BIO* shown = BIO_new_mem_buf(text.constData(), static_cast<int>(text.size()));
-    X509* made = PEM_read_bio_X509(shown, nullptr, nullptr, nullptr);
+    X509* made = ReadCertificate(certificate.Certificate.toPem());
     SSL_CTX_use_certificate(It->Settings, made);
     X509_free(made);
-    BIO_free(shown);
+    // The settings take the signer's over.
+    if (!certificate.Signer.isEmpty())
+        SSL_CTX_add_extra_chain_cert(It->Settings, ReadCertificate(certificate.Signer));
     BIO* kept = BIO_new_mem_buf(certificate.Key.constData(), static_cast<int>(certificate.Key.size()));
     EVP_PKEY* key = PEM_read_bio_PrivateKey(kept, nullptr, nullptr, nullptr);
     SSL_CTX_use_PrivateKey(It->Settings, key);
