@@ -1,6 +1,7 @@
 #include "support/system_proxy.h"
 
-#include <QtGlobal>
+#include <QByteArray>
+#include <cstdint>
 #include <string>
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -8,17 +9,35 @@
 
 #ifdef Q_OS_WIN
 
-// For this process alone another key takes the place of the user's own.
+// For this process another key takes the place of the user's own as long as a proxy is set; not longer, for the user's
+// own has more in it than proxies. The settings are one value, whose layout is as old as the system's first browser.
 struct SystemProxySettings::Place {
     HKEY User = nullptr;
-    HKEY Settings = nullptr;
+    HKEY Connections = nullptr;
     std::wstring Name;
+    QByteArray Server;
+    QByteArray Exceptions;
 
-    void Write(const wchar_t* name, const QString& text) const
+    void Write() const
     {
-        const std::wstring value = text.toStdWString();
-        RegSetValueExW(Settings, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                       static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+        constexpr std::uint32_t Version = 70;
+        constexpr std::uint32_t Direct = 1;
+        constexpr std::uint32_t ByProxy = 2;
+        QByteArray value;
+        const auto number = [&value](std::uint32_t one) {
+            value.append(reinterpret_cast<const char*>(&one), sizeof one);
+        };
+        number(Version);
+        number(0);
+        number(Server.isEmpty() ? Direct : Direct | ByProxy);
+        for (const QByteArray& text : {Server, Exceptions, QByteArray()}) {
+            number(static_cast<std::uint32_t>(text.size()));
+            value += text;
+        }
+        value += QByteArray(32, '\0');
+        RegSetValueExW(Connections, L"DefaultConnectionSettings", 0, REG_BINARY,
+                       reinterpret_cast<const BYTE*>(value.constData()), static_cast<DWORD>(value.size()));
+        RegOverridePredefKey(HKEY_CURRENT_USER, Server.isEmpty() ? nullptr : User);
     }
 };
 
@@ -31,34 +50,35 @@ SystemProxySettings::SystemProxySettings() : It(std::make_unique<Place>())
         if (status != ERROR_SUCCESS) qFatal("the registry cannot be written to (%ld)", status);
     };
     make(HKEY_CURRENT_USER, It->Name.c_str(), It->User);
-    make(It->User, L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings", It->Settings);
-    RegOverridePredefKey(HKEY_CURRENT_USER, It->User);
+    make(It->User, L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings\\Connections", It->Connections);
 }
 
 SystemProxySettings::~SystemProxySettings()
 {
-    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    RegCloseKey(It->Settings);
+    Clear();
+    RegCloseKey(It->Connections);
     RegCloseKey(It->User);
     RegDeleteTreeW(HKEY_CURRENT_USER, It->Name.c_str());
 }
 
 void SystemProxySettings::Use(const QString& scheme, const QString& kind, int port)
 {
-    const DWORD on = 1;
-    It->Write(L"ProxyServer",
-              QStringLiteral("%1=127.0.0.1:%2").arg(kind == u"socks5" ? QStringLiteral("socks") : scheme).arg(port));
-    RegSetValueExW(It->Settings, L"ProxyEnable", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&on), sizeof on);
+    const QString tag = kind == u"socks5" ? QStringLiteral("socks") : scheme;
+    It->Server = QStringLiteral("%1=127.0.0.1:%2").arg(tag).arg(port).toLatin1();
+    It->Write();
 }
 
 void SystemProxySettings::Except(const QString& host)
 {
-    It->Write(L"ProxyOverride", host);
+    It->Exceptions = host.toLatin1();
+    It->Write();
 }
 
 void SystemProxySettings::Clear()
 {
-    for (const wchar_t* name : {L"ProxyEnable", L"ProxyServer", L"ProxyOverride"}) RegDeleteValueW(It->Settings, name);
+    It->Server.clear();
+    It->Exceptions.clear();
+    It->Write();
 }
 
 #else
