@@ -13,7 +13,7 @@ as_root() {
   fi
 }
 
-build_packages="g++ cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools libgl-dev libasio-dev libssl-dev libxcb1-dev libxcb-randr0-dev pkg-config"
+build_packages="g++ cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools libgl-dev libasio-dev libboost1.74-dev libssl-dev libxcb1-dev libxcb-randr0-dev pkg-config"
 run_packages="libqt6widgets6 libqt6svg6 qt6-translations-l10n fonts-dejavu-core x11-utils"
 server_packages="python3 python3-openssl openssl"
 test_packages="$server_packages xvfb xauth curl lftp"

@@ -353,6 +353,10 @@ void MainWindow::WireDrags()
     connect(form.Dir1, &ListBox::DragDropped, &own.Incoming, &Receiver::Dir1_DragDrop);
     connect(form.lstRemoteFiles, &ListBox::DragDropped, &own.Outgoing, &Sender::lstRemoteFiles_DragDrop);
     connect(form.lstRemoteFiles, &ListBox::FilesDropped, &own.Outgoing, &Sender::lstRemoteFiles_FilesDropped);
+    for (const ListBox* list : {form.lstRemoteFiles, form.List1})
+        connect(list, &ListBox::DragBegun, own.Inet1.get(), [list, inet = own.Inet1.get()] {
+            if (list->selectionModel()->hasSelection()) inet->GetReady();
+        });
     form.lstRemoteFiles->TakeFiles();
     form.List1->OfferFiles({[&own] { return own.Files.SelectedFiles(); }, own.Around.DragFiles});
     connect(form.Image1, &QAbstractButton::clicked, &own.Outgoing, &Sender::Image1_Click);

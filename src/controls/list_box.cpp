@@ -207,6 +207,7 @@ void ListBox::mousePressEvent(QMouseEvent* event)
         event->accept();
     }
     BeginDrag(*event);
+    emit DragBegun();
     const QModelIndex pressed = indexAt(event->position().toPoint());
     if (event->button() == Qt::LeftButton && pressed.isValid() && IsSelected(pressed.row())) emit Clicked();
 }

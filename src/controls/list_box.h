@@ -64,6 +64,7 @@ public:
 
 signals:
     void Clicked();     ///< a left press has selected an entry; comes before the drop that ends the press
+    void DragBegun();   ///< a press of any mouse button, when it has changed the selection
     void DblClicked();  ///< a double click with the left button on an entry, or the Return key
     void DeletePressed();
     void DragDropped(QWidget* source, QPoint at);  ///< something was dropped here, `at` in this list's viewport

@@ -14,11 +14,6 @@ bool IsControl(QChar character)
     return character.unicode() < 0x20 || character.unicode() == 0x7F;
 }
 
-int PortOf(const QUrl& url)
-{
-    return url.port(url.scheme() == u"https" ? SecureHttpPort : HttpPort);
-}
-
 /// Bytes that are no text travel as lone surrogates, which an address cannot hold.
 QString WithBytesEncoded(const QString& text)
 {
@@ -35,6 +30,11 @@ QString WithBytesEncoded(const QString& text)
 }
 
 }  // namespace
+
+int PortOf(const QUrl& url)
+{
+    return url.port(url.scheme() == u"https" ? SecureHttpPort : HttpPort);
+}
 
 QString SchemeOf(const QString& address)
 {

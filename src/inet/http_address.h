@@ -22,5 +22,8 @@ QUrl HttpUrlOfName(const QUrl& base, const QString& name);
 /// protocol, or from secure HTTP to plain.
 std::optional<QUrl> RedirectTarget(const QUrl& from, const QByteArray& location);
 
+/// The port that the address names, or the usual one of its scheme.
+int PortOf(const QUrl& url);
+
 /// Whether both are the same place as far as a user and password are concerned: scheme, host and port.
 bool IsSameOrigin(const QUrl& one, const QUrl& other);

@@ -1,25 +1,22 @@
 #include "inet/http_download.h"
 
+#include "inet/ftp/data_ends.h"
 #include "inet/ftp/failure.h"
+#include "inet/ftp/progress.h"
+#include "inet/ftp/race.h"
 #include "inet/ftp/secret.h"
 #include "inet/http_address.h"
-#include "inet/http_trust.h"
 
-#include <QAuthenticator>
-#include <QNetworkProxy>
-#include <QSslConfiguration>
-#include <QSslError>
 #include <algorithm>
-#include <chrono>
+#include <exception>
 #include <utility>
 
 namespace {
 
 constexpr int MostRedirects = 10;
-constexpr int MostAttempts = 4;  // to connect, for one request
-constexpr qint64 BufferSize = qint64{1024} * 1024;
 constexpr std::size_t MostInMemory = std::size_t{2} * 1024 * 1024 * 1024;
-constexpr int ProxyAuthenticationRequired = 407;
+constexpr int LogInWanted = 401;
+constexpr int ProxyLogInWanted = 407;
 
 // The states that are reported, as the component numbers them.
 enum States {
@@ -43,385 +40,277 @@ bool IsRedirect(int status)
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-/// The time of the real world, for a thread of the toolkit.
-class LoopClock final : public Ftp::Clock {
-public:
-    Ftp::Milliseconds Now() const override
-    {
-        return std::chrono::duration_cast<Ftp::Milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
-    }
-
-    std::unique_ptr<Alarm> After(Ftp::Milliseconds delay, std::function<void()> call) override
-    {
-        auto alarm = std::make_unique<Ringing>();
-        QObject::connect(&alarm->Timer, &QTimer::timeout, &alarm->Timer, std::move(call));
-        alarm->Timer.setSingleShot(true);
-        alarm->Timer.start(delay);
-        return alarm;
-    }
-
-private:
-    struct Ringing final : Alarm {
-        QTimer Timer;
-    };
-};
-
-QNetworkProxy ProxyOf(const Ftp::Proxy& via)
+bool IsSecure(const QUrl& url)
 {
-    if (via.Kind == Ftp::Proxy::None) return QNetworkProxy(QNetworkProxy::NoProxy);
-    return QNetworkProxy(via.Kind == Ftp::Proxy::Socks5 ? QNetworkProxy::Socks5Proxy : QNetworkProxy::HttpProxy,
-                         QString::fromStdString(via.Host), via.Port, QString::fromStdString(via.User),
-                         QString::fromStdString(via.Password));
+    return url.scheme() == u"https";
 }
 
-/// Whether the library drives the proxy behind a socket of its own making. Such a one stalls when its buffer is
-/// bounded (Qt 6.4), so there the reading alone keeps the memory small.
-bool IsEmulated(const Ftp::Proxy& via, const QUrl& url)
+std::string HostOf(const QUrl& url)
 {
-    return via.Kind == Ftp::Proxy::Socks5 || (via.Kind == Ftp::Proxy::Connect && url.scheme() == u"https");
+    return url.host(QUrl::FullyEncoded).toStdString();
 }
 
-/// What ended a request that no status of the server explains.
-Ftp::Outcome FailureOf(QNetworkReply::NetworkError error)
+/// The host with its port, as a request names it.
+std::string AuthorityOf(const QUrl& url)
 {
-    switch (error) {
-    case QNetworkReply::ConnectionRefusedError:
-        return {false, Ftp::ConnectError, "The server could not be reached (Connection refused).", {}};
-    case QNetworkReply::HostNotFoundError:
-        return {false, Ftp::NameError, "The name of the server could not be found.", {}};
-    case QNetworkReply::TimeoutError:
-        return {false, Ftp::TimeOutError, "The server did not answer in time.", {}};
-    case QNetworkReply::SslHandshakeFailedError:
-        return {false, Ftp::SecureChannelError, "A secure connection with the server could not be made.", {}};
-    case QNetworkReply::ProtocolFailure:
-    case QNetworkReply::ProtocolUnknownError:
-        return {false, Ftp::ResponseError, "The server's answer was not understood.", {}};
-    default:
-        return {false, Ftp::AbortedError, "The connection with the server was lost.", {}};
-    }
-}
-
-/// The same for one that has not got beyond the proxy.
-Ftp::Outcome ProxyFailureOf(QNetworkReply::NetworkError error)
-{
-    switch (error) {
-    case QNetworkReply::ProxyNotFoundError:
-        return {false, Ftp::NameError, "The name of the proxy could not be found.", {}};
-    case QNetworkReply::ProxyAuthenticationRequiredError:
-        return {false, ProxyAuthenticationRequired, "The proxy does not accept the user and password.", {}};
-    case QNetworkReply::ProxyConnectionClosedError:
-    case QNetworkReply::RemoteHostClosedError:
-        return {false, Ftp::ConnectError, "The proxy closed the connection.", {}};
-    case QNetworkReply::SslHandshakeFailedError:
-        return FailureOf(error);
-    default:
-        return {false, Ftp::ConnectError, "No connection could be made through the proxy.", {}};
-    }
+    std::string host = HostOf(url);
+    if (host.find(':') != std::string::npos) host = '[' + host.substr(0, host.find('%')) + ']';
+    return url.port() < 0 ? host : host + ':' + std::to_string(url.port());
 }
 
 }  // namespace
 
-HttpDownload::HttpDownload(HttpRequest request, HttpObserver observer)
-    : Wanted(std::move(request)), Listener(std::move(observer)), Time(std::make_unique<LoopClock>()), Url(Wanted.Url)
+HttpDownload::HttpDownload(Ftp::Network& network, Ftp::Clock& clock, SystemProxy ask, Ftp::Observer observer)
+    : Net(network), Time(clock), AskSystem(std::move(ask)), Listener(std::move(observer))
 {
-    if (Wanted.File.empty()) {
-        auto memory = std::make_unique<Ftp::MemorySink>(MostInMemory);
-        Memory = memory.get();
-        Target = std::move(memory);
-    } else {
-        Target = std::make_unique<Ftp::FileSink>(Wanted.File);
+}
+
+HttpDownload::~HttpDownload() = default;
+
+bool HttpDownload::IsConnected() const
+{
+    return Told >= Connected;
+}
+
+void HttpDownload::Answer(unsigned number, bool accepted)
+{
+    if (Safe) Safe->Answer(number, accepted);
+}
+
+/// The one place where what went wrong becomes a value.
+Ftp::Task<Ftp::Outcome> HttpDownload::Fetch(HttpRequest request)
+{
+    Wanted = std::move(request);
+    Redirects = 0;
+    Told = 0;
+    ForProxy = {};
+    BeginRequest(Wanted.Url);
+    Ftp::Outcome outcome;
+    std::optional<Ftp::Failure> failure;
+    try {
+        outcome = co_await Run();
+    } catch (const Ftp::Failure& thrown) {
+        failure = Why.Explain(thrown);
+    } catch (const std::exception& error) {
+        failure = Ftp::Failure{Ftp::Failure::Protocol, Ftp::InternalError,
+                               std::string("The command failed: ") + error.what() + '.'};
     }
-    Clock.setSingleShot(true);
-    Clock.setInterval(Wanted.Limit);
-    connect(&Clock, &QTimer::timeout, this, [this] { Fail(Ftp::TimeOutError, "The server did not answer in time."); });
-    connect(&Manager, &QNetworkAccessManager::authenticationRequired, this,
-            [this](QNetworkReply*, QAuthenticator* authenticator) { Authenticate(authenticator); });
+    if (!failure && Why.IsCancelled()) failure = Why.Explain({});
+    if (failure) outcome = {false, failure->Code, failure->Text, {}};
+    outcome.Text = Ftp::Without(Wanted.Password, outcome.Text);
+    if (Road) outcome.Text = Ftp::Without(Road->Via().Password, outcome.Text);
+    Rest();
+    co_return outcome;
 }
 
-HttpDownload::~HttpDownload()
+void HttpDownload::Rest()
 {
-    Silence();
+    Reader.reset();
+    Connection.reset();
+    Safe.reset();
+    Road.reset();
+    Wanted = {};
+    ForServer = {};
+    ForProxy = {};
+    Told = 0;
+    Why.Reset();
+    Why.Rest();
 }
 
-void HttpDownload::Begin()
+Ftp::Task<Ftp::Outcome> HttpDownload::Run()
+{
+    for (;;) {
+        HttpHead head = co_await Ask();
+        if (FollowsRedirect(head) || LogsIn(head)) continue;
+        if (!IsGood(head.Status)) throw RefusalOf(head);
+        co_return co_await Receive(std::move(head));
+    }
+}
+
+// What was found out about one server holds for no other.
+void HttpDownload::BeginRequest(const QUrl& url)
+{
+    const bool isSame = IsSameOrigin(Url, url);
+    Url = url;
+    ForServer = {};
+    if (Safe && isSame) return;
+    Safe.reset();
+    if (IsSecure(Url)) Safe = std::make_unique<Ftp::TlsSession>(Net, Why, Time, Listener.Ask, "http/1.1");
+}
+
+// A server may lose patience while the user looks at its certificate; then it is called once more.
+Ftp::Task<HttpHead> HttpDownload::Ask()
+{
+    const std::vector<Ftp::Endpoint> endpoints = co_await LookUp();
+    for (;;) {
+        try {
+            co_await Connect(endpoints);
+            co_return co_await Exchange();
+        } catch (const Ftp::Failure& failure) {
+            const bool hasAsked = Safe && Safe->HasAsked();
+            if (!hasAsked || failure.Kind != Ftp::Failure::Connection || Why.IsInterrupted()) throw;
+        }
+    }
+}
+
+Ftp::Task<std::vector<Ftp::Endpoint>> HttpDownload::LookUp()
 {
     Tell(ResolvingHost);
-    Inquire();
+    auto ask = [find = AskSystem, scheme = Url.scheme().toStdString()](std::string host, std::uint16_t port) {
+        return find(scheme, std::move(host), port);
+    };
+    Road = std::make_unique<Ftp::TunnelNetwork>(Net, std::move(ask));
+    Road->Use(Wanted.Via, !IsSecure(Url));
+    const std::shared_ptr<Ftp::Lookup> lookup = Road->NewLookup();
+    const Ftp::Guard guard(Why, Time, *lookup, Wanted.Limit);
+    std::string host = HostOf(Url);
+    co_return co_await lookup->Find(std::move(host), static_cast<std::uint16_t>(PortOf(Url)));
 }
 
-void HttpDownload::Cancel()
-{
-    Fail(Ftp::CancelledError, "The command was cancelled.");
-}
-
-void HttpDownload::Inquire()
-{
-    Clock.start();
-    Inquiry = std::make_unique<HttpInquiry>(Url, Wanted.Via, [this](const HttpInquiry::Answer& answer) {
-        if (HasEnded) return;
-        Road = answer.Via;
-        if (answer.Failed.empty())
-            Send();
-        else if (answer.Via.Kind == Ftp::Proxy::None)
-            Fail(Ftp::NameError, "The name of the server could not be found (" + answer.Failed + ").");
-        else
-            Fail(Ftp::NameError, "The name of the proxy could not be found (" + answer.Failed + ").");
-    });
-}
-
-void HttpDownload::Send()
+Ftp::Task<> HttpDownload::Connect(std::vector<Ftp::Endpoint> endpoints)
 {
     Tell(Connecting);
-    Clock.start();
-    Doubtful.reset();
-    Attempts = 0;
-    Manager.setProxy(ProxyOf(Road));
-    QNetworkRequest request(Url);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    // Certificates know no dot at the end of a name.
-    const QString host = Url.host(QUrl::FullyEncoded);
-    if (host.endsWith(u'.')) request.setPeerVerifyName(host.chopped(1));
-    request.setRawHeader("User-Agent", "Tolvane");
-    // The bytes are wanted as they are, not as something to be unpacked.
-    request.setRawHeader("Accept-Encoding", "identity");
-    Reply = Manager.get(request);
-    if (!IsEmulated(Road, Url)) Reply->setReadBufferSize(BufferSize);
-    connect(Reply, &QNetworkReply::socketStartedConnecting, this, &HttpDownload::NoteAttempt);
-    connect(Reply, &QNetworkReply::encrypted, this, [this] {
-        Tell(Connected);
-        Clock.start();
-    });
-    connect(Reply, &QNetworkReply::requestSent, this, [this] {
-        Tell(ReceivingResponse);
-        Clock.start();
-    });
-    connect(Reply, &QNetworkReply::sslErrors, this, &HttpDownload::CheckCertificate);
-    connect(Reply, &QNetworkReply::metaDataChanged, this, [this] { Try([this] { TakeHead(); }); });
-    connect(Reply, &QNetworkReply::readyRead, this, [this] { Try([this] { TakeData(); }); });
-    connect(Reply, &QNetworkReply::finished, this, [this] { Try([this] { TakeEnd(); }); });
+    Connection = co_await Ftp::ConnectToFirst(*Road, Why, Time, Wanted.Limit, std::move(endpoints));
+    if (Safe) {
+        Connection = Safe->WrapControl(std::move(Connection), HostOf(Url), Ftp::Protection::FromStart);
+        co_await Safe->BeforeGreeting(Wanted.Limit);
+    }
+    Tell(Connected);
 }
 
-// A proxy that hangs up would be called by the library again and again.
-void HttpDownload::NoteAttempt()
+/// The proxy takes the requests themselves, in place of a tunnel.
+bool HttpDownload::IsRelayed() const
 {
-    if (HasEnded || ++Attempts <= MostAttempts || Road.Kind == Ftp::Proxy::None) return;
-    Fail(Ftp::ConnectError, "The proxy closed the connection.");
+    return !IsSecure(Url) && Road->Via().Kind == Ftp::Proxy::Connect;
 }
 
-// What goes wrong in a step is told like everything else.
-template <typename Step>
-void HttpDownload::Try(Step step)
+// One limit for all of the header, however slowly it drips.
+Ftp::Task<HttpHead> HttpDownload::Exchange()
 {
-    if (HasEnded || !Reply) return;
+    Reader = std::make_unique<HttpReader>(Connection);
+    Tell(Requesting);
     try {
-        step();
+        const Ftp::Guard guard(Why, Time, *Connection, Wanted.Limit);
+        std::string text = RequestText();
+        co_await Connection->Write(std::move(text));
+        Tell(ReceivingResponse);
+        co_return co_await Reader->ReadHead();
     } catch (const Ftp::Failure& failure) {
-        Fail(failure.Code, failure.Text);
+        if (!IsRelayed() || Reader->HasHeard() || failure.Kind != Ftp::Failure::Connection) throw;
+        const bool isReset = failure.Code == Ftp::ResetError;
+        throw Ftp::Failure{Ftp::Failure::Connection, failure.Code,
+                           isReset ? "The connection with the proxy was reset." : "The proxy closed the connection."};
     }
 }
 
-int HttpDownload::Status() const
+// The bytes are wanted as they are, not as something to be unpacked.
+std::string HttpDownload::RequestText() const
 {
-    return Reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    std::string text = "GET " + Target() + " HTTP/1.1\r\nHost: " + AuthorityOf(Url) +
+                       "\r\nUser-Agent: Tolvane\r\nAccept: */*\r\nAccept-Encoding: identity\r\n";
+    if (!ForServer.Value.empty()) text += "Authorization: " + ForServer.Value + "\r\n";
+    if (IsRelayed()) {
+        const Ftp::Proxy& via = Road->Via();
+        std::string value = ForProxy.Value;
+        if (value.empty() && !via.User.empty()) value = Ftp::BasicLogin(via.User, via.Password);
+        if (!value.empty()) text += "Proxy-Authorization: " + value + "\r\n";
+    }
+    return text + "\r\n";
 }
 
-void HttpDownload::TakeHead()
+// A proxy gets the whole address.
+std::string HttpDownload::Target() const
 {
-    const int status = Status();
-    if (status < 200 || Opened) return;
-    Tell(ReceivingResponse);
-    Clock.start();
-    const QByteArray location = Reply->rawHeader("Location");
-    if (IsRedirect(status) && !location.isEmpty())
-        FollowRedirect(location);
-    else if (!IsGood(status))
-        FailByStatus();
-    else {
-        Target->Open();
-        Opened = true;
-        Meter.emplace(*Time, Listener.Progress, Announced());
-    }
+    const QString path = Url.path(QUrl::FullyEncoded);
+    std::string target = path.isEmpty() ? "/" : path.toStdString();
+    if (Url.hasQuery()) target += '?' + Url.query(QUrl::FullyEncoded).toStdString();
+    return IsRelayed() ? "http://" + AuthorityOf(Url) + target : target;
 }
 
-void HttpDownload::FollowRedirect(const QByteArray& location)
+bool HttpDownload::FollowsRedirect(const HttpHead& head)
 {
-    const std::optional<QUrl> next = RedirectTarget(Url, location);
-    if (!next) {
-        Fail(Ftp::SchemeError, Url.scheme() == u"https"
-                                   ? "The server sends on to an address that is not secure, which is not followed."
-                                   : "The server sends on to an address that cannot be followed.");
-        return;
-    }
-    if (++Redirects > MostRedirects) {
-        Fail(Ftp::ResponseError, "The server sends on from one address to the other without end.");
-        return;
-    }
-    DropReply();
-    if (!IsSameOrigin(Url, *next)) Accepted.clear();
-    Url = *next;
-    Inquire();
+    const std::string location = head.First("location");
+    if (!IsRedirect(head.Status) || location.empty()) return false;
+    const std::optional<QUrl> next = RedirectTarget(Url, QByteArray::fromStdString(location));
+    if (!next)
+        throw Ftp::Failure{Ftp::Failure::Refused, Ftp::SchemeError,
+                           IsSecure(Url)
+                               ? "The server sends on to an address that is not secure, which is not followed."
+                               : "The server sends on to an address that cannot be followed."};
+    if (++Redirects > MostRedirects)
+        throw Ftp::Failure{Ftp::Failure::Refused, Ftp::ResponseError,
+                           "The server sends on from one address to the other without end."};
+    BeginRequest(*next);
+    return true;
 }
 
-// Piece by piece: what stays in the reply's buffer keeps the server waiting.
-void HttpDownload::TakeData()
+// Where a redirect has led, user and password are none of anybody's business.
+bool HttpDownload::LogsIn(const HttpHead& head)
 {
-    if (!Opened) return;
-    while (Reply->bytesAvailable() > 0) {
-        const QByteArray bytes = Reply->read(BufferSize);
-        if (bytes.isEmpty()) return;
-        Clock.start();
-        Meter->Add(static_cast<std::uint64_t>(bytes.size()));
-        Target->Write(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    if (head.Status == LogInWanted) {
+        const bool isMine = IsSameOrigin(Url, Wanted.Url);
+        Ftp::LoginWish wish{isMine ? Wanted.User : std::string(), Wanted.Password, Target()};
+        return AnswerTo(head.All("www-authenticate"), std::move(wish), ForServer);
     }
+    if (head.Status == ProxyLogInWanted && IsRelayed()) {
+        const Ftp::Proxy& via = Road->Via();
+        return AnswerTo(head.All("proxy-authenticate"), {via.User, via.Password, Target()}, ForProxy);
+    }
+    return false;
 }
 
-void HttpDownload::TakeEnd()
+// Asked for again, they were wrong, unless the server only wants them with a newer stamp.
+bool HttpDownload::AnswerTo(const std::vector<std::string>& asked, Ftp::LoginWish wish, Credentials& credentials) const
 {
-    if (Status() >= 200) TakeHead();
-    if (HasEnded || !Reply) return;
-    if (Reply->error() != QNetworkReply::NoError) {
-        FailByError();
-        return;
+    const std::vector<Ftp::Challenge> offered = Ftp::ChallengesIn(asked);
+    if (offered.empty()) return false;
+    const std::optional<std::string> value = Ftp::LoginFor(offered, wish);
+    if (!value) {
+        const bool byProxy = &credentials == &ForProxy;
+        throw Ftp::Failure{Ftp::Failure::Refused, byProxy ? ProxyLogInWanted : LogInWanted,
+                           std::string(byProxy ? "The proxy" : "The server") +
+                               " wants a kind of log-in that is not offered here: " + Ftp::KindsOf(offered) + '.'};
     }
-    if (!Opened) {
-        Fail(Ftp::ResponseError, "The server's answer was not understood.");
-        return;
+    const bool renews = credentials.Answered && !credentials.Renewed && Ftp::IsStale(offered);
+    if (wish.User.empty() || (credentials.Answered && !renews) || *value == credentials.Value) return false;
+    credentials = {*value, true, renews};
+    return true;
+}
+
+Ftp::Failure HttpDownload::RefusalOf(const HttpHead& head) const
+{
+    std::string text = head.Reason;
+    if (text.empty()) text = "The server answered " + std::to_string(head.Status) + " and sent no file.";
+    if (head.Status == ProxyLogInWanted && IsRelayed()) text = "The proxy refused the connection: " + text;
+    return {Ftp::Failure::Refused, head.Status, text};
+}
+
+Ftp::Task<Ftp::Outcome> HttpDownload::Receive(HttpHead head)
+{
+    Ftp::MemorySink memory(MostInMemory);
+    Ftp::FileSink stored(Wanted.File);
+    Ftp::Sink& sink = Wanted.File.empty() ? static_cast<Ftp::Sink&>(memory) : stored;
+    const std::optional<std::uint64_t> expected = Reader->Length();
+    sink.Open();
+    Ftp::ProgressMeter meter(Time, Listener.Progress, expected);
+    {
+        Ftp::Guard guard(Why, Time, *Connection, Wanted.Limit);
+        std::string_view piece = co_await Reader->ReadPiece();
+        while (!piece.empty()) {
+            meter.Add(piece.size());
+            sink.Write(piece.data(), piece.size());
+            guard.Progress();
+            piece = co_await Reader->ReadPiece();
+        }
     }
-    TakeData();
-    const bool confirmed = CheckWhole();
-    Target->Keep();
+    sink.Keep();
     Tell(ResponseReceived);
-    End({true, Status(), Reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString(),
-         Memory ? std::move(Memory->Bytes) : std::string(), Ftp::Confirmation{Meter->Done(), confirmed}});
-}
-
-/// The bytes of the file, where the server has said it and it counts.
-std::optional<std::uint64_t> HttpDownload::Announced() const
-{
-    bool given = false;
-    const qulonglong announced = Reply->rawHeader("Content-Length").trimmed().toULongLong(&given);
-    if (!given || Reply->hasRawHeader("Transfer-Encoding")) return std::nullopt;
-    return announced;
-}
-
-/// Whether the server has said how long the file is, and it is.
-bool HttpDownload::CheckWhole() const
-{
-    const std::optional<std::uint64_t> announced = Announced();
-    if (!announced || Meter->Done() == *announced) return announced.has_value();
-    throw Ftp::Failure{Ftp::Failure::Protocol, Ftp::ResponseError,
-                       "The file arrived incomplete: " + std::to_string(Meter->Done()) + " of " +
-                           std::to_string(*announced) + " bytes."};
-}
-
-// Asked for again, they were wrong; where a redirect has led they are none of anybody's business.
-void HttpDownload::Authenticate(QAuthenticator* authenticator)
-{
-    if (Wanted.User.isEmpty() || Identified || !IsSameOrigin(Url, Wanted.Url)) return;
-    Identified = true;
-    authenticator->setUser(Wanted.User);
-    authenticator->setPassword(Wanted.Password);
-}
-
-// Called while the handshake stands still. Nothing is asked here, for the server would lose patience: the connection is
-// given up, and after a yes there is a new one, for this certificate alone.
-void HttpDownload::CheckCertificate(const QList<QSslError>& errors)
-{
-    if (!Reply) return;
-    Ftp::Certificate shown = ShownCertificate(Url, Reply->sslConfiguration().peerCertificate(), errors);
-    if (!shown.Fingerprint.empty() && shown.Fingerprint == Accepted)
-        Reply->ignoreSslErrors(errors);
-    else
-        Doubtful = std::move(shown);
-}
-
-// The time-out stands still until the answer.
-void HttpDownload::AskAboutCertificate()
-{
-    DropReply();
-    if (!Listener.Ask || Doubtful->Fingerprint.empty()) {
-        Answered(false);
-        return;
-    }
-    Clock.stop();
-    Asking = true;
-    Listener.Ask(*Doubtful);
-}
-
-void HttpDownload::Answer(bool accepted)
-{
-    if (Asking && !HasEnded) Answered(accepted);
-}
-
-void HttpDownload::Answered(bool accepted)
-{
-    Asking = false;
-    if (!accepted) {
-        const Ftp::Failure failure = Ftp::DistrustOf(*Doubtful);
-        Fail(failure.Code, failure.Text);
-        return;
-    }
-    Accepted = Doubtful->Fingerprint;
-    Send();
+    Ftp::Outcome outcome{true, head.Status, head.Reason, std::move(memory.Bytes)};
+    outcome.Transferred = Ftp::Confirmation{meter.Done(), expected.has_value()};
+    co_return outcome;
 }
 
 void HttpDownload::Tell(int state)
 {
-    while (Told < state && !HasEnded) Listener.State(++Told);
-}
-
-void HttpDownload::Fail(int code, const std::string& sentence)
-{
-    End({false, code, sentence, {}});
-}
-
-void HttpDownload::FailByStatus()
-{
-    const int status = Status();
-    std::string text = Reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().toStdString();
-    if (text.empty()) text = "The server answered " + std::to_string(status) + " and sent no file.";
-    Fail(status, text);
-}
-
-void HttpDownload::FailByError()
-{
-    const int status = Status();
-    if (status >= 300) {
-        FailByStatus();
-    } else if (Doubtful) {
-        AskAboutCertificate();
-    } else if (Road.Kind != Ftp::Proxy::None && Told < RequestSent) {
-        End(ProxyFailureOf(Reply->error()));
-    } else {
-        End(FailureOf(Reply->error()));
-    }
-}
-
-void HttpDownload::End(Ftp::Outcome outcome)
-{
-    if (HasEnded) return;
-    Silence();
-    outcome.Text = Ftp::Without(Wanted.Password.toStdString(), outcome.Text);
-    outcome.Text = Ftp::Without(Wanted.Via.Password, outcome.Text);
-    Listener.Ended(std::move(outcome));
-}
-
-void HttpDownload::Silence()
-{
-    HasEnded = true;
-    Clock.stop();
-    Inquiry.reset();
-    DropReply();
-    Target.reset();
-    Memory = nullptr;
-}
-
-void HttpDownload::DropReply()
-{
-    QNetworkReply* reply = std::exchange(Reply, nullptr);
-    if (!reply) return;
-    reply->disconnect(this);
-    reply->abort();
-    reply->deleteLater();
+    while (Told < state) Listener.State(++Told);
 }

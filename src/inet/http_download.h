@@ -1,16 +1,12 @@
 #pragma once
 
-#include "inet/ftp/data_ends.h"
-#include "inet/ftp/progress.h"
-#include "inet/ftp/proxy_address.h"
+#include "inet/ftp/guard.h"
+#include "inet/ftp/http_login.h"
 #include "inet/ftp/session.h"
-#include "inet/ftp/tls_certificate.h"
-#include "inet/http_inquiry.h"
+#include "inet/ftp/tls_session.h"
+#include "inet/ftp/tunnel_network.h"
+#include "inet/http_reader.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QObject>
-#include <QTimer>
 #include <QUrl>
 #include <cstdint>
 #include <filesystem>
@@ -18,93 +14,79 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// What is to be fetched, and how.
 struct HttpRequest {
-    QUrl Url;          ///< without user and password
-    QString User;      ///< empty: nobody in particular
-    QString Password;  ///< sent, like the user, to the scheme, host and port of Url and nowhere else
-    Ftp::Proxy Via;    ///< for every connection of the request
+    QUrl Url;              ///< without user and password
+    std::string User;      ///< empty: nobody in particular
+    std::string Password;  ///< sent, like the user, to the scheme, host and port of Url and nowhere else
+    Ftp::Proxy Via;        ///< for every connection of the request
     Ftp::Milliseconds Limit = std::chrono::seconds(30);  ///< bounds every wait for progress
     std::filesystem::path File;                          ///< where the bytes go; empty: into the outcome's reply
 };
 
-/// What a download tells, on its own thread.
-struct HttpObserver {
-    std::function<void(int)> State;  ///< the numbers of Inet::State, 1 to 8
-    Ftp::ProgressMeter::Listener Progress{};
-    /// A certificate that is not trusted; the answer comes by HttpDownload::Answer. Nobody: it is refused.
-    std::function<void(const Ftp::Certificate&)> Ask{};
-    std::function<void(Ftp::Outcome)> Ended;
-};
-
-/// One GET by HTTP or secure HTTP (RFC 9110), with the redirects that it leads to. The bytes go to the file as they
-/// come, and no faster than the disk takes them. Lives on a thread with an event loop; going away ends it in silence.
-class HttpDownload final : public QObject {
-    Q_OBJECT
-
+/// Downloads by HTTP and secure HTTP (RFC 9110, RFC 9112): one GET, with the redirects and questions for a log-in that
+/// it leads to, each on a connection of its own. One download at a time; transfer thread only.
+class HttpDownload {
 public:
-    HttpDownload(HttpRequest request, HttpObserver observer);
-    ~HttpDownload() override;
+    /// Asks how the system is set up to reach a host by this scheme; may take long, and is called on other threads.
+    using SystemProxy = std::function<Ftp::Proxy(std::string scheme, std::string host, std::uint16_t port)>;
 
-    void Begin();
+    HttpDownload(Ftp::Network& network, Ftp::Clock& clock, SystemProxy ask, Ftp::Observer observer);
+    ~HttpDownload();
 
-    /// Ends it now with CancelledError, unless it has ended.
-    void Cancel();
+    /// Fetches to the end. The bytes go to the file as they come, and no faster than the disk takes them. Never throws.
+    Ftp::Task<Ftp::Outcome> Fetch(HttpRequest request);
 
-    /// The answer to what was asked last; nothing happens when nobody waits for it.
-    void Answer(bool accepted);
+    /// Ends the running download, or the one that is about to begin; its Fetch returns soon.
+    void Cancel() { Why.Cancel(); }
 
-    /// Ends it now and tells nobody.
-    void Silence();
+    /// The user's answer to the question of this number.
+    void Answer(unsigned number, bool accepted);
 
-    bool HasConnected() const { return Told >= 4; }
+    /// The running download has been connected.
+    bool IsConnected() const;
 
 private:
-    void Inquire();
-    void Send();
-    void TakeHead();
-    void FollowRedirect(const QByteArray& location);
-    void TakeData();
-    void TakeEnd();
-    bool CheckWhole() const;
-    std::optional<std::uint64_t> Announced() const;
-    void Authenticate(QAuthenticator* authenticator);
-    void NoteAttempt();
-    void CheckCertificate(const QList<QSslError>& errors);
-    void AskAboutCertificate();
-    void Answered(bool accepted);
-    void Tell(int state);
-    void Fail(int code, const std::string& sentence);
-    void FailByStatus();
-    void FailByError();
-    void End(Ftp::Outcome outcome);
-    void DropReply();
-    int Status() const;
+    /// The right to be let in at one place, the server or the proxy.
+    struct Credentials {
+        std::string Value{};    ///< of the field that the request carries; empty: none
+        bool Answered = false;  ///< a question has been answered
+        bool Renewed = false;   ///< the answer was good but too old, and has been given anew
+    };
 
-    template <typename Step>
-    void Try(Step step);
+    Ftp::Task<Ftp::Outcome> Run();
+    Ftp::Task<HttpHead> Ask();
+    Ftp::Task<std::vector<Ftp::Endpoint>> LookUp();
+    Ftp::Task<> Connect(std::vector<Ftp::Endpoint> endpoints);
+    Ftp::Task<HttpHead> Exchange();
+    Ftp::Task<Ftp::Outcome> Receive(HttpHead head);
+    std::string RequestText() const;
+    bool FollowsRedirect(const HttpHead& head);
+    bool LogsIn(const HttpHead& head);
+    bool AnswerTo(const std::vector<std::string>& asked, Ftp::LoginWish wish, Credentials& credentials) const;
+    Ftp::Failure RefusalOf(const HttpHead& head) const;
+    void BeginRequest(const QUrl& url);
+    bool IsRelayed() const;
+    std::string Target() const;
+    void Tell(int state);
+    void Rest();
+
+    Ftp::Network& Net;
+    Ftp::Clock& Time;
+    SystemProxy AskSystem;
+    Ftp::Observer Listener;
+    Ftp::Intent Why;
 
     HttpRequest Wanted;
-    HttpObserver Listener;
-
-    std::unique_ptr<Ftp::Sink> Target;
-    Ftp::MemorySink* Memory = nullptr;  ///< the same, when it is memory
-    Ftp::Proxy Road;                    ///< of the request that runs; never System
-    std::unique_ptr<Ftp::Clock> Time;   ///< of the meter
-    QUrl Url;                           ///< of the request that runs: the wanted one, or what it led to
-    std::unique_ptr<HttpInquiry> Inquiry;
-    QNetworkAccessManager Manager;
-    QNetworkReply* Reply = nullptr;
-    QTimer Clock;                              ///< runs out when nothing moves
-    std::optional<Ftp::Certificate> Doubtful;  ///< shown by the server of the request that runs, and not accepted
-    std::string Accepted;                      ///< fingerprint that the user has accepted for the host of Url
-    bool Asking = false;                       ///< the user looks at Doubtful
-    std::optional<Ftp::ProgressMeter> Meter;   ///< of what has come, once it comes
+    QUrl Url;                                  ///< of the request that runs: the wanted one, or what it led to
+    std::unique_ptr<Ftp::TunnelNetwork> Road;  ///< of that request
+    std::unique_ptr<Ftp::TlsSession> Safe;     ///< with the server of that request
+    std::shared_ptr<Ftp::Wire> Connection;
+    std::unique_ptr<HttpReader> Reader;
+    Credentials ForServer;
+    Credentials ForProxy;
     int Redirects = 0;
-    int Attempts = 0;  ///< to connect, for the request that runs
-    int Told = 0;      ///< the highest state reported
-    bool Opened = false;
-    bool Identified = false;  ///< user and password have been given
-    bool HasEnded = false;
+    int Told = 0;  ///< the highest state reported
 };

@@ -147,6 +147,10 @@ public:
     /// ready for it. Off by default; a promise that is not kept does no harm.
     virtual void SetMoreToCome(bool more) = 0;
 
+    /// Says that a file will probably be received or sent soon, so that the open session may get ready for it. Nothing
+    /// is reported, nothing waits, and while a command runs nothing happens; if no file follows that does no harm.
+    virtual void GetReady() = 0;
+
 signals:
     /// Reports the progress of a command. A listener of a final state may issue the next command; no report of an
     /// old command follows once a new one has begun.

@@ -6,6 +6,7 @@
 #include "inet/ftp/failure.h"
 #include "inet/ftp/local_name.h"
 #include "inet/http_address.h"
+#include "inet/queued_call.h"
 
 #include <QPointer>
 #include <QUrl>
@@ -173,8 +174,8 @@ HttpRequest TransferComponent::Properties::HttpRequestOf(const QString& url, con
     if (!addressDecides) address->setPort(RemotePort);
     HttpRequest request;
     const bool userIsInAddress = UserName.isEmpty() && !address->userName().isEmpty();
-    request.User = userIsInAddress ? address->userName(QUrl::FullyDecoded) : UserName;
-    request.Password = userIsInAddress ? address->password(QUrl::FullyDecoded) : Password;
+    request.User = BytesOf(userIsInAddress ? address->userName(QUrl::FullyDecoded) : UserName);
+    request.Password = BytesOf(userIsInAddress ? address->password(QUrl::FullyDecoded) : Password);
     address->setUserInfo(QString());
     request.Url = *address;
     request.Limit = Manner.Limit;
@@ -253,6 +254,11 @@ void TransferComponent::SetMoreToCome(bool more)
     Chosen->Manner.MoreToCome = more;
 }
 
+void TransferComponent::GetReady()
+{
+    if (!Executing && Thread && !OverHttp) Thread->GetReady();
+}
+
 void TransferComponent::SetReplyFile(const QString& path)
 {
     NextReplyFile = path.isEmpty() ? std::filesystem::path() : std::filesystem::absolute(FilePath(path));
@@ -284,14 +290,15 @@ void TransferComponent::StartOperation(const QString& url, const QString& operat
     }
     ::Ftp::Operation parsed = OperationOf(operation);
     ::Ftp::Target target = Chosen->TargetOf(url);
-    FtpThread().Perform(std::move(target), Chosen->Manner, std::move(parsed), CurrentFolder(), ListenerOf(command));
+    TransferThread().Perform(std::move(target), Chosen->Manner, std::move(parsed), CurrentFolder(),
+                             ListenerOf(command));
 }
 
 // HTTP knows files and no session: GET alone fetches what the address names, GET with a name a file beside it.
 void TransferComponent::StartHttpOperation(HttpRequest request, const QString& operation, quint64 command)
 {
     if (operation.trimmed().compare(u"GET", Qt::CaseInsensitive) == 0) {
-        StartFetch(request, command);
+        StartFetch(std::move(request), command);
         return;
     }
     const ::Ftp::Operation parsed = OperationOf(operation);
@@ -305,15 +312,13 @@ void TransferComponent::StartHttpOperation(HttpRequest request, const QString& o
     if (!receive->LocalGiven) ::Ftp::CheckLocalName(receive->Remote);
     request.Url = HttpUrlOfName(request.Url, BytesToText(ArrayOf(receive->Remote)));
     request.File = CurrentFolder() / receive->Local;
-    StartFetch(request, command);
+    StartFetch(std::move(request), command);
 }
 
-void TransferComponent::StartFetch(const HttpRequest& request, quint64 command)
+void TransferComponent::StartFetch(HttpRequest request, quint64 command)
 {
-    if (Thread) Thread->Drop();
-    if (!Web) Web = std::make_unique<HttpWorker>();
     OverHttp = true;
-    Web->Fetch(request, ListenerOf(command));
+    TransferThread().Download(std::move(request), ListenerOf(command));
 }
 
 void TransferComponent::CloseHttp(quint64 command)
@@ -340,11 +345,11 @@ void TransferComponent::OpenURL(const QString& address, DataType, WhenArrived wh
         const QString http = chosen.HttpSchemeOf(address);
         if (http.isEmpty()) {
             ::Ftp::Target target = chosen.TargetOf(address);
-            FtpThread().Fetch(std::move(target), chosen.Manner, std::move(file), ListenerOf(command));
+            TransferThread().Fetch(std::move(target), chosen.Manner, std::move(file), ListenerOf(command));
         } else {
             HttpRequest request = chosen.HttpRequestOf(address, http);
             request.File = std::move(file);
-            StartFetch(request, command);
+            StartFetch(std::move(request), command);
         }
     } catch (const Impossible& impossible) {
         FailSoon(impossible.Code, impossible.Sentence);
@@ -359,7 +364,7 @@ quint64 TransferComponent::Begin()
     return ++Number;
 }
 
-Worker& TransferComponent::FtpThread()
+Worker& TransferComponent::TransferThread()
 {
     if (!Thread) Thread = std::make_unique<Worker>(Ways);
     return *Thread;
@@ -433,13 +438,18 @@ Worker::Listener TransferComponent::ListenerOf(quint64 command)
         std::vector<Told> told;
         told.reserve(news.size());
         for (Worker::News& one : news) told.push_back(std::visit(Decoder{isText}, std::move(one)));
-        const auto take = [this, command, told = std::move(told)] {
+        auto take = [this, command, told = std::move(told)] {
             for (const Told& one : told)
                 Untold.push_back([this, command, one] { std::visit(Teller(*this, command), one); });
             TellNext();
         };
-        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+        QueuedCall::Post(*this, std::move(take));
     };
+}
+
+bool TransferComponent::event(QEvent* event)
+{
+    return QueuedCall::Make(*event) || Inet::event(event);
 }
 
 // One at a time: a listener may wait for the end of the command, in an event loop of its own, or end this object.
@@ -476,13 +486,8 @@ void TransferComponent::Judge(quint64 command, unsigned question, const Doubtful
     if (!Executing || command != Number) return;
     const QPointer<TransferComponent> self(this);
     const CertificateJudge trusts = Trusts;
-    const bool overHttp = OverHttp;
     const bool accepted = trusts && trusts(certificate);
-    if (!self) return;
-    if (overHttp)
-        Web->Answer(question, accepted);
-    else
-        Thread->Answer(question, accepted);
+    if (self) Thread->Answer(question, accepted);
 }
 
 void TransferComponent::Finish(quint64 command, const Ended& ended)
@@ -529,7 +534,7 @@ bool TransferComponent::StillExecuting() const
 void TransferComponent::Cancel()
 {
     if (!Executing) return;
-    const bool wasOpen = OverHttp ? Web->Cancel() : Thread && Thread->Cancel();
+    const bool wasOpen = Thread && Thread->Cancel();
     const quint64 command = Number;
     Code = ::Ftp::CancelledError;
     Info = "The command was cancelled.";

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "inet/http_worker.h"
 #include "inet/inet.h"
 #include "inet/reply_file.h"
 #include "inet/worker.h"
@@ -10,8 +9,8 @@
 #include <memory>
 #include <variant>
 
-/// The transfer component that talks to servers. Threads of its own, begun with the first command that needs them,
-/// carry the conversations by FTP and the downloads by HTTP; everything here happens on the user-interface thread.
+/// The transfer component that talks to servers. A thread of its own, begun with the first command, carries the
+/// conversations by FTP and the downloads by HTTP; everything here happens on the user-interface thread.
 /// Going away ends a running command and returns within a fraction of a second, whatever the server does.
 class TransferComponent final : public Inet {
     Q_OBJECT
@@ -44,6 +43,9 @@ public:
     void SetCertificateJudge(CertificateJudge judge) override;
     void SetListingLineHelp(bool on) override;
     void SetMoreToCome(bool more) override;
+    void GetReady() override;
+
+    bool event(QEvent* event) override;
 
 private:
     struct Properties;
@@ -54,11 +56,11 @@ private:
     using Told = std::variant<int, QString, Progress, Doubt, Ended>;
 
     quint64 Begin();
-    void StartFetch(const HttpRequest& request, quint64 command);
+    void StartFetch(HttpRequest request, quint64 command);
     void StartOperation(const QString& url, const QString& operation, quint64 command);
     void StartHttpOperation(HttpRequest request, const QString& operation, quint64 command);
     void CloseHttp(quint64 command);
-    Worker& FtpThread();
+    Worker& TransferThread();
     Worker::Listener ListenerOf(quint64 command);
     void Report(quint64 command, int state);
     void Show(quint64 command, const Progress& progress);
@@ -70,10 +72,9 @@ private:
 
     std::unique_ptr<Properties> Chosen;
     std::shared_ptr<::Ftp::DataWayBook> Ways;
-    std::unique_ptr<Worker> Thread;   ///< of FTP, begun with the first command
-    std::unique_ptr<HttpWorker> Web;  ///< of HTTP, the same
-    bool OverHttp = false;            ///< the command begun last
-    quint64 Number = 0;               ///< of the command begun last; nothing of an older one is reported any more
+    std::unique_ptr<Worker> Thread;  ///< begun with the first command
+    bool OverHttp = false;           ///< the command begun last
+    quint64 Number = 0;              ///< of the command begun last; nothing of an older one is reported any more
     bool Executing = false;
     std::deque<std::function<void()>> Untold;  ///< what the transfer thread has noted
     CertificateJudge Trusts;

@@ -4,6 +4,7 @@
 #include "inet/ftp/session.h"
 #include "inet/ftp/socket_network.h"
 #include "inet/ftp/tunnel_network.h"
+#include "inet/http_download.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -21,8 +22,8 @@
 #undef Yield  // a macro of Windows' headers, which come with Asio; it means nothing
 #endif
 
-/// The transfer thread and the session that lives on it. Its members are called from one other thread; what it calls
-/// back is called on the transfer thread, and must only hand over.
+/// The transfer thread, and the session by FTP and the downloads by HTTP that live on it. Its members are called from
+/// one other thread; what it calls back is called on the transfer thread, and must only hand over.
 class Worker {
 public:
     /// Whether a certificate may be used; to be answered with Answer.
@@ -52,6 +53,12 @@ public:
     /// Into `file`, or into memory when that is empty.
     void Fetch(Ftp::Target target, Ftp::Manner manner, std::filesystem::path file, Listener listener);
 
+    /// Fetches by HTTP; the session is closed first.
+    void Download(HttpRequest request, Listener listener);
+
+    /// Makes the session ready for a file, as Session::GetReady; while a command runs nothing happens.
+    void GetReady();
+
     /// Answers the question of this number; nothing happens when nobody waits for it any more.
     void Answer(unsigned question, bool accepted);
 
@@ -63,8 +70,9 @@ public:
     bool Cancel();
 
 private:
-    void Start(Ftp::Task<Ftp::Outcome> command, Ftp::Proxy via, Listener listener);
+    void Start(std::function<Ftp::Task<Ftp::Outcome>()> command, bool isByHttp, Listener listener);
     Ftp::Task<> Carry(Ftp::Task<Ftp::Outcome> command);
+    Ftp::Observer ObserverOf(std::function<void(unsigned, bool)> answer);
     void Note(News news);
     void HandOver();
     void Run();
@@ -80,7 +88,12 @@ private:
     std::vector<News> Noted;                      ///< not handed over yet
     std::unique_ptr<Ftp::Clock::Alarm> NotedDue;  ///< rings when they have to be
 
+    std::function<void(bool)> Answered;  ///< answers the question asked last
+    unsigned Questions = 0;              ///< how many have been asked
+    bool IsByHttp = false;               ///< the command that runs
+
     Ftp::Session Session;
+    HttpDownload Web;
 
     std::mutex Lock;
     std::condition_variable Changed;

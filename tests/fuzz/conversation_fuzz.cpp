@@ -94,6 +94,7 @@ public:
             const unsigned choice = Steps.Byte();
             // While nothing runs the server may do something too.
             for (unsigned idle = choice >> 6U; idle > 0; --idle) PlayStep();
+            if (choice >> 6U == 3) Session->GetReady();
             Operate(choice & 0x3FU);
             Settle();
         }
@@ -113,9 +114,9 @@ private:
         const std::optional<Ftp::Operation> operation = Ftp::ParseOperation(TextOf(choice));
         if (!operation) return;
         const Ftp::Target target{"server.test", 21, "ann", Password, choice >= 32 ? "a folder" : ""};
-        const Ftp::Outcome outcome = choice == 31
-                                         ? Await(Session->Fetch(target, {Limit, true}))
-                                         : Await(Session->Perform(target, {Limit, true}, *operation, Local.Place()));
+        const Ftp::Manner manner{Limit, true, choice % 2 == 1};
+        const Ftp::Outcome outcome = choice == 31 ? Await(Session->Fetch(target, manner))
+                                                  : Await(Session->Perform(target, manner, *operation, Local.Place()));
         if (!outcome.Good) {
             REQUIRE(outcome.Code != 0 && !outcome.Text.empty() && outcome.Reply.empty());
             REQUIRE(Disk::Read(Local.Place() / "kept") == kept);

@@ -1,4 +1,3 @@
-#include "inet/http_trust.h"
 #include "support/downloads.h"
 #include "support/http_server.h"
 #include "support/loopback_server.h"
@@ -15,6 +14,7 @@ private slots:
     void cleanup();
 
     void YesLetsTheFileCome();
+    void TheServerMayLosePatienceMeanwhile();
     void NoIsARefusalAndNothingIsAskedFor();
     void TheNameAndPasswordWaitForTheAnswer();
     void TheQuestionTellsWhatIsWrong();
@@ -26,7 +26,6 @@ private slots:
     void TheEndOfTheProgramEndsTheQuestion();
     void AnAnswerThatComesLateDoesNothing();
     void GetByNameAsksTheSame();
-    void WhatIsOnlySaidToBeUntrustedIsLookedAt();
 
 private:
     /// Answers each question in turn, then with no.
@@ -36,6 +35,15 @@ private:
             Asked << shown;
             return answers.value(Asked.size() - 1, false);
         });
+    }
+
+    /// The server ends the connection about which it is asked.
+    bool HangUp()
+    {
+        const bool isThere =
+            QTest::qWaitFor([this] { return Server->Connections == Asked.size(); }, Downloads::Patience);
+        Server->HangUp();
+        return isThere;
     }
 
     HttpCertificate Own = HttpCertificate::For("127.0.0.1");
@@ -81,6 +89,19 @@ void HttpCertificatesTest::YesLetsTheFileCome()
     QCOMPARE(Asked.first().Doubts, "it is signed by nobody but itself");
     const QByteArray digest = Own.Certificate.digest(QCryptographicHash::Sha256);
     QCOMPARE(Asked.first().Fingerprint, QString::fromLatin1(digest.toHex(':').toUpper()));
+}
+
+void HttpCertificatesTest::TheServerMayLosePatienceMeanwhile()
+{
+    Visit->Component->SetCertificateJudge([this](const Inet::DoubtfulCertificate& shown) {
+        Asked << shown;
+        return HangUp();
+    });
+    const Inet::Download got = Visit->Fetch(Server->Url("/x"));
+    QVERIFY2(got.Arrived, qPrintable(got.Info));
+    QCOMPARE(Asked.size(), 1);
+    QCOMPARE(Server->Connections, 2);
+    QCOMPARE(Server->Requests.size(), 1);
 }
 
 void HttpCertificatesTest::NoIsARefusalAndNothingIsAskedFor()
@@ -143,8 +164,9 @@ void HttpCertificatesTest::YesCountsForThatCertificateAlone()
 {
     Visit->Component->SetCertificateJudge([this](const Inet::DoubtfulCertificate& shown) {
         Asked << shown;
-        if (Asked.size() == 1) Server->Show(HttpCertificate::For("127.0.0.1"));
-        return Asked.size() == 1;
+        if (Asked.size() == 2) return false;
+        Server->Show(HttpCertificate::For("127.0.0.1"));
+        return HangUp();
     });
     const Inet::Download got = Visit->Fetch(Server->Url("/x"));
     QVERIFY(!got.Arrived);
@@ -232,19 +254,6 @@ void HttpCertificatesTest::GetByNameAsksTheSame()
     QCOMPARE(Visit->Do("GET \"x\" \"y\"").last(), int(Inet::Error));
     QCOMPARE(Visit->Component->ResponseInfo(), Refusal);
     QCOMPARE(Visit->Files(), QStringList{"x"});
-}
-
-// The system's check may say no more of an authority than that it is not trusted.
-void HttpCertificatesTest::WhatIsOnlySaidToBeUntrustedIsLookedAt()
-{
-    const HttpCertificate authority = HttpCertificate::For("authority");
-    const QSslCertificate signedOne = HttpCertificate::For("127.0.0.1", -1, 30, &authority).Certificate;
-    const auto doubts = [](const QSslCertificate& certificate) {
-        return QString::fromStdString(Ftp::DoubtsOf(ShownCertificate(
-            QUrl("https://127.0.0.1/"), certificate, {QSslError(QSslError::CertificateUntrusted, certificate)})));
-    };
-    QCOMPARE(doubts(Own.Certificate), "it is signed by nobody but itself");
-    QCOMPARE(doubts(signedOne), "it is signed by nobody whom this computer trusts");
 }
 
 QTEST_GUILESS_MAIN(HttpCertificatesTest)

@@ -2,8 +2,8 @@
 #include "support/http_server.h"
 #include "support/loopback_server.h"
 
-#include <QSslConfiguration>
 #include <QTest>
+#include <optional>
 
 /// Commands while HTTP or secure HTTP is the protocol, what decides the protocol, and whom secure HTTP trusts.
 class HttpOperationsTest final : public QObject {
@@ -11,9 +11,9 @@ class HttpOperationsTest final : public QObject {
 
 private slots:
 
-    void init() { Before = QSslConfiguration::defaultConfiguration(); }
+    void init() { Trusted.emplace(); }
 
-    void cleanup() { QSslConfiguration::setDefaultConfiguration(Before); }
+    void cleanup() { Trusted.reset(); }
 
     void GetAloneFetchesWhatTheAddressNames();
     void GetWithANameReceivesAFile();
@@ -39,14 +39,7 @@ private slots:
     void SecureFilesCutShortAreErrors();
 
 private:
-    static void Trust(const HttpCertificate& certificate)
-    {
-        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.addCaCertificate(certificate.Certificate);
-        QSslConfiguration::setDefaultConfiguration(configuration);
-    }
-
-    QSslConfiguration Before;
+    std::optional<TrustedCertificates> Trusted;
 };
 
 namespace {
@@ -196,7 +189,7 @@ void HttpOperationsTest::TheProtocolDecidesWithoutAScheme()
     QCOMPARE(downloads.Do("GET").last(), int(Inet::ResponseCompleted));
 
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    Trust(certificate);
+    Trusted->Add(certificate);
     HttpServer secure(certificate);
     secure.Answers["/x"] = Fine;
     downloads.Component->SetProtocol(Inet::SecureHttp);
@@ -262,7 +255,7 @@ void HttpOperationsTest::ThePortBoxCounts()
         QCOMPARE(downloads.Do("GET").last(), int(Inet::ResponseCompleted));
     }
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    Trust(certificate);
+    Trusted->Add(certificate);
     HttpServer secure(certificate);
     secure.Answers["/x"] = Fine;
     downloads.Component->SetProtocol(Inet::SecureHttp);
@@ -290,7 +283,7 @@ void HttpOperationsTest::AnFtpSessionEndsWhenHttpBegins()
 void HttpOperationsTest::ACertificateThatIsTrustedIsAccepted()
 {
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    Trust(certificate);
+    Trusted->Add(certificate);
     HttpServer server(certificate);
     Downloads downloads;
     server.Answers["/x"] = Fine;
@@ -324,7 +317,7 @@ void HttpOperationsTest::ACertificateThatIsNotIsRefused()
     QFETCH(QString, why);
     const HttpCertificate authority = HttpCertificate::For("authority");
     const HttpCertificate certificate = HttpCertificate::For(host, firstDay, lastDay, &authority);
-    if (trusted) Trust(authority);
+    if (trusted) Trusted->Add(authority);
     HttpServer server(certificate);
     Downloads downloads;
     server.Respond = [](const auto&) { return Fine; };
@@ -359,7 +352,7 @@ void HttpOperationsTest::PlainHttpMeetsASecureServer()
 void HttpOperationsTest::SecureFilesCutShortAreErrors()
 {
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    Trust(certificate);
+    Trusted->Add(certificate);
     HttpServer server(certificate);
     Downloads downloads;
     server.Answers["/length"] = {"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc", HttpServer::Answer::Close};

@@ -1,7 +1,6 @@
 #include "support/downloads.h"
 #include "support/http_server.h"
 
-#include <QSslConfiguration>
 #include <QTest>
 
 /// Where HTTP leads from one address to another, and who learns the user and the password on the way.
@@ -180,17 +179,13 @@ void HttpRedirectsTest::WhatIsNoHttpIsNotFollowed()
 void HttpRedirectsTest::SecureNeverLeadsToPlain()
 {
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(certificate.Certificate);
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustedCertificates trusted(certificate);
     HttpServer secure(certificate);
     HttpServer plain;
     Downloads downloads;
     secure.Answers["/x"] = HttpServer::Redirect(plain.Url("/y").toLatin1());
     plain.Answers["/y"] = Fine;
     const Inet::Download got = downloads.Fetch(secure.Url("/x"));
-    QSslConfiguration::setDefaultConfiguration(before);
     QVERIFY(!got.Arrived);
     QCOMPARE(got.Info, QString("The server sends on to an address that is not secure, which is not followed."));
     QCOMPARE(plain.Connections, 0);
@@ -199,17 +194,13 @@ void HttpRedirectsTest::SecureNeverLeadsToPlain()
 void HttpRedirectsTest::PlainMayLeadToSecure()
 {
     const HttpCertificate certificate = HttpCertificate::For("127.0.0.1");
-    const QSslConfiguration before = QSslConfiguration::defaultConfiguration();
-    QSslConfiguration trusting = before;
-    trusting.addCaCertificate(certificate.Certificate);
-    QSslConfiguration::setDefaultConfiguration(trusting);
+    const TrustedCertificates trusted(certificate);
     HttpServer secure(certificate);
     HttpServer plain;
     Downloads downloads;
     plain.Answers["/x"] = HttpServer::Redirect(secure.Url("/y").toLatin1());
     secure.Respond = [](const auto&) { return Fine; };
     const Inet::Download got = downloads.Fetch(WithUser(plain.Url("/x"), "ann:hidden"));
-    QSslConfiguration::setDefaultConfiguration(before);
     QVERIFY2(got.Arrived, qPrintable(got.Info));
     QVERIFY(CredentialsIn(secure.Requests.first()).isEmpty());
 }

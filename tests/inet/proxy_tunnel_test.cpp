@@ -136,7 +136,7 @@ void ProxyTunnelTest::P1AProxyThatSaysNoIsAnErrorWithItsStatus_data()
     row("no status", "HTTP/1.1 abc\r\n\r\n", Reaction::Silence, NotUnderstood, unclear.c_str());
     row("closed at once", "", Reaction::Close, Closed, shut.c_str());
     row("closed in the header", "HTTP/1.1 200 ok\r\nX: ", Reaction::Close, Closed, shut.c_str());
-    row("reset", "HTTP/1.1 200", Reaction::Reset, WasReset, "The connection with the server was reset.");
+    row("reset", "HTTP/1.1 200", Reaction::Reset, WasReset, "The connection with the proxy was reset.");
     row("silence", "", Reaction::Silence, TimeOut, "The server did not answer in time.");
     row("silence in the header", "HTTP/1.1 200 ok\r\n", Reaction::Silence, TimeOut,
         "The server did not answer in time.");

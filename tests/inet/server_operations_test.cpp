@@ -36,6 +36,10 @@ private slots:
 
     void PutSendsEverySize();
 
+    void GettingReadyForAFileChangesNothing_data() { AllServers(); }
+
+    void GettingReadyForAFileChangesNothing();
+
     void DeleteErases_data() { AllServers(); }
 
     void DeleteErases();
@@ -150,6 +154,32 @@ void ServerOperationsTest::GetReceivesEverySize()
         QVERIFY2(Read(Local(name)) == bytes, name);
     }
     QCOMPARE(LocalFiles().size(), Sizes.size());
+}
+
+// Before each command, whether it is for a file or not.
+void ServerOperationsTest::GettingReadyForAFileChangesNothing()
+{
+    Write(Remote("there"), "bytes");
+    Write(Local("here"), "others");
+    Component->GetReady();
+    QVERIFY_GOOD(Do("DIR"));
+    QSignalSpy remarks(Component.get(), &Inet::Remarked);
+    for (const char* command : {"GET there one", "PUT here two", "LS", "GET two three", "PWD", "MKDIR folder", "DIR",
+                                "CD folder", "PUT here four", "CDUP", "GET folder/four five", "DELETE there"}) {
+        Component->GetReady();
+        const Visit visit = Do(command);
+        QVERIFY2(visit.States == LaterCommand, qPrintable(command + visit.Account()));
+    }
+    Component->GetReady();
+    Component->Cancel();
+    QVERIFY_GOOD(Do("PWD"));
+    Component->GetReady();
+    QVERIFY_GOOD(Do("CLOSE"));
+    QCOMPARE(Read(Local("one")), QByteArray("bytes"));
+    for (const char* copy : {"three", "five"}) QCOMPARE(Read(Local(copy)), QByteArray("others"));
+    QCOMPARE(LocalFiles(), (QStringList{"five", "here", "one", "three"}));
+    QVERIFY(!QFile::exists(Remote("there")));
+    QCOMPARE(remarks.count(), 0);
 }
 
 void ServerOperationsTest::PutSendsEverySize()

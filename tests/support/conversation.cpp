@@ -61,6 +61,14 @@ Ftp::Outcome Conversation::Run(Ftp::Task<Ftp::Outcome> work)
     return outcome->value_or(Ftp::Outcome{false, -1, "it never ended", {}});
 }
 
+void Conversation::Let(Ftp::Milliseconds time)
+{
+    bool passed = false;
+    const auto alarm = Clock.After(time, [&passed] { passed = true; });
+    do Settle();
+    while (!passed && Clock.JumpToNextAlarm());
+}
+
 void Conversation::Settle()
 {
     Context.restart();

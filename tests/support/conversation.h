@@ -33,6 +33,9 @@ public:
     /// Lets everything happen that can happen without the clock.
     void Settle();
 
+    /// Lets so much time pass on the clock, with whatever happens in it.
+    void Let(Ftp::Milliseconds time);
+
     /// Files in the local folder, hidden ones included.
     QStringList LocalFiles() const;
     QByteArray LocalFile(const QString& name) const;

@@ -1,5 +1,6 @@
 #include "support/http_certificate.h"
 
+#include <QFile>
 #include <QHostAddress>
 #include <memory>
 #include <openssl/bio.h>
@@ -79,5 +80,29 @@ HttpCertificate HttpCertificate::For(const QString& host, int firstDay, int last
     const QByteArray keyText =
         PemOf([&](BIO* out) { PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
     const QByteArray text = PemOf([&](BIO* out) { PEM_write_bio_X509(out, certificate); });
-    return {QSslCertificate(text), keyText, authority ? authority->Certificate.toPem() : QByteArray()};
+    return {QSslCertificate(text), keyText};
+}
+
+TrustedCertificates::TrustedCertificates()
+{
+    qputenv("SSL_CERT_FILE", Folder.filePath("trusted.pem").toLocal8Bit());
+    qputenv("SSL_CERT_DIR", Folder.path().toLocal8Bit());
+}
+
+TrustedCertificates::TrustedCertificates(const HttpCertificate& certificate) : TrustedCertificates()
+{
+    Add(certificate);
+}
+
+TrustedCertificates::~TrustedCertificates()
+{
+    qunsetenv("SSL_CERT_FILE");
+    qunsetenv("SSL_CERT_DIR");
+}
+
+void TrustedCertificates::Add(const HttpCertificate& certificate)
+{
+    QFile file(Folder.filePath("trusted.pem"));
+    if (!file.open(QIODevice::Append) || file.write(certificate.Certificate.toPem()) <= 0)
+        qFatal("no file for certificates");
 }

@@ -49,6 +49,12 @@ void HttpServer::Greet()
     }
 }
 
+void HttpServer::HangUp()
+{
+    const QList<QTcpSocket*> sockets = Clients.keys();
+    for (QTcpSocket* socket : sockets) socket->abort();
+}
+
 void HttpServer::Forget(QTcpSocket* socket)
 {
     if (Clients.remove(socket) == 0) return;

@@ -54,6 +54,9 @@ public:
     int Connections = 0;
     qint64 Sent = 0;  ///< bytes of fillings that the system has taken
 
+    /// Ends all connections, whatever they are about.
+    void HangUp();
+
     /// Connections that the client has not closed yet.
     qsizetype OpenConnections() const { return Clients.size(); }
 

@@ -67,6 +67,7 @@ public:
     int ChunksTaken = 0;
     bool ListingLineHelp = true;
     bool MoreToCome = false;
+    int TimesReady = 0;  ///< how often GetReady was called
     CertificateJudge Judge;
 
     /// With a reply file ("ReplyFile = path") DownloadBytes are written to it, and GetChunk hands them out.
@@ -99,6 +100,8 @@ public:
     void SetListingLineHelp(bool on) override { ListingLineHelp = on; }
 
     void SetMoreToCome(bool more) override { MoreToCome = more; }
+
+    void GetReady() override { ++TimesReady; }
 
 private:
     void Put(const QString& member, const QString& value);

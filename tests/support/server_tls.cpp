@@ -42,8 +42,6 @@ ServerTls::ServerTls(const HttpCertificate& certificate) : It(std::make_unique<S
     X509* made = ReadCertificate(certificate.Certificate.toPem());
     SSL_CTX_use_certificate(It->Settings, made);
     X509_free(made);
-    // The settings take the signer's over.
-    if (!certificate.Signer.isEmpty()) SSL_CTX_add_extra_chain_cert(It->Settings, ReadCertificate(certificate.Signer));
     BIO* kept = BIO_new_mem_buf(certificate.Key.constData(), static_cast<int>(certificate.Key.size()));
     EVP_PKEY* key = PEM_read_bio_PrivateKey(kept, nullptr, nullptr, nullptr);
     SSL_CTX_use_PrivateKey(It->Settings, key);

@@ -32,6 +32,8 @@ private slots:
     void TheReleaseOfAnotherButtonEndsNothing();
     void AHiddenListDragsNoLonger();
     void ClickedComesBeforeTheDrop();
+    void EveryPressTellsThatADragHasBegun_data();
+    void EveryPressTellsThatADragHasBegun();
     void ADragIsShownByThePointer();
 
     void ALeftPressBelowTheEntriesIsNoClick();
@@ -248,6 +250,28 @@ void ListBoxTest::ClickedComesBeforeTheDrop()
     Press(Qt::LeftButton, 0);
     Release(Qt::LeftButton, *Right);
     QCOMPARE(order, (QStringList{"clicked", "dropped"}));
+}
+
+void ListBoxTest::EveryPressTellsThatADragHasBegun_data()
+{
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<QStringList>("selected");
+    QTest::newRow("left") << Qt::LeftButton << QStringList{"two"};
+    QTest::newRow("right") << Qt::RightButton << QStringList{"one"};
+    QTest::newRow("middle") << Qt::MiddleButton << QStringList{"one"};
+}
+
+void ListBoxTest::EveryPressTellsThatADragHasBegun()
+{
+    QFETCH(Qt::MouseButton, button);
+    QFETCH(QStringList, selected);
+    Click(0);
+    QList<QStringList> selections;
+    connect(Left, &ListBox::DragBegun, Left, [&] { selections += Left->SelectedEntries(); });
+    Press(button, 1);
+    QCOMPARE(selections, QList<QStringList>{selected});
+    Release(button, *Left);
+    QCOMPARE(selections.size(), 1);
 }
 
 void ListBoxTest::ADragIsShownByThePointer()

@@ -21,6 +21,7 @@ private slots:
     void ATransferThatFailsHidesTheBar_data();
     void ATransferThatFailsHidesTheBar();
     void TheComponentHearsWhetherMoreIsToCome();
+    void TheComponentGetsReadyForWhatIsSelected();
 
 private:
     QProgressBar& Bar() const { return Driver->Control<QProgressBar>("TransferProgress"); }
@@ -115,6 +116,23 @@ void ProgressTest::TheComponentHearsWhetherMoreIsToCome()
     QTRY_COMPARE(told, (QList<bool>{true, false}));
     Driver->WaitUntilIdle();
     QVERIFY(!Driver->Inet1().MoreToCome);
+}
+
+void ProgressTest::TheComponentGetsReadyForWhatIsSelected()
+{
+    Driver->MakeFile("here", "bytes");
+    Driver->Connect({"a", "b"});
+    QTRY_COMPARE(Driver->Files().Count(), 1);
+    const int& times = Driver->Inet1().TimesReady;
+    for (ListBox* list : {&Driver->Remote(), &Driver->Files()}) {
+        const int before = times;
+        QTest::mouseClick(list->viewport(), Qt::RightButton, {}, list->viewport()->rect().center());
+        QCOMPARE(times, before);  // nothing is selected
+        PanelDriver::Select(*list, {0});
+        QCOMPARE(times, before + 1);
+        QTest::mouseClick(list->viewport(), Qt::RightButton, {}, list->viewport()->rect().center());
+        QCOMPARE(times, before + 2);
+    }
 }
 
 QTEST_MAIN(ProgressTest)

@@ -19,6 +19,13 @@ bool IsControlCharacter(char byte)
     return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F;
 }
 
+std::string Joined(const std::vector<std::string>& lines)
+{
+    std::string bytes;
+    for (const std::string& line : lines) bytes += line + "\r\n";
+    return bytes;
+}
+
 }  // namespace
 
 /// What the reading task works on; it lives until that task has ended.
@@ -42,9 +49,10 @@ struct ControlConnection::Shared {
 
 ControlConnection::ControlConnection(std::shared_ptr<Wire> wire, Network& network, Intent& intent, Clock& clock,
                                      Milliseconds limit)
-    : Line(std::make_shared<Shared>(std::move(wire), network.Executor())), Why(intent), Time(clock), Limit(limit)
+    : Line(std::make_shared<Shared>(std::move(wire), network.Executor())), Executor(network.Executor()), Why(intent),
+      Time(clock), Limit(limit)
 {
-    asio::co_spawn(network.Executor(), ReadOn(Line), asio::detached);
+    asio::co_spawn(Executor, ReadOn(Line), asio::detached);
 }
 
 ControlConnection::~ControlConnection()
@@ -104,18 +112,47 @@ Task<> ControlConnection::Begin(std::string line)
 
 Task<> ControlConnection::SendAhead(std::vector<std::string> lines)
 {
-    std::string bytes;
-    for (const std::string& line : lines) {
-        if (!IsSendable(line)) co_return;
-        bytes += line + "\r\n";
+    const bool isReady = MakeReadyForAhead(lines);
+    if (!isReady) co_return;
+    std::string bytes = Joined(lines);
+    co_await Write(std::move(bytes));
+    NoteAhead(std::move(lines));
+}
+
+void ControlConnection::SendAheadInPassing(const std::vector<std::string>& lines)
+{
+    if (!IsAlive() || !MakeReadyForAhead(lines)) return;
+    asio::co_spawn(Executor, WriteInPassing(Line, Joined(lines)), asio::detached);
+    NoteAhead(lines);
+}
+
+// What goes wrong here the reading task learns as well.
+Task<> ControlConnection::WriteInPassing(std::shared_ptr<Shared> shared, std::string bytes)
+{
+    try {
+        co_await shared->Stream->Write(std::move(bytes));
+    } catch (const Failure&) {
     }
+}
+
+bool ControlConnection::MakeReadyForAhead(const std::vector<std::string>& lines)
+{
+    if (!std::all_of(lines.begin(), lines.end(), IsSendable)) return false;
     if (!IsAlive()) ThrowWhyEnded();
     if (Ahead.empty()) DropUnasked();
-    if (Odd) co_return;
-    co_await Write(std::move(bytes));
+    return !Odd;
+}
+
+void ControlConnection::NoteAhead(std::vector<std::string> lines)
+{
     std::move(lines.begin(), lines.end(), std::back_inserter(Ahead));
     Owed = Ahead.size();
     Answered = 0;
+}
+
+bool ControlConnection::AreFirstAhead(const std::vector<std::string>& lines) const
+{
+    return Ahead.size() <= lines.size() && std::equal(Ahead.begin(), Ahead.end(), lines.begin());
 }
 
 Task<Reply> ControlConnection::HearInstead()

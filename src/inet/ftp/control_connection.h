@@ -36,8 +36,14 @@ public:
     /// ahead already stay ahead of these.
     Task<> SendAhead(std::vector<std::string> lines);
 
-    /// This line, and no other, was sent ahead and not asked for yet.
-    bool IsOnlyAhead(const std::string& line) const { return Ahead.size() == 1 && Ahead.front() == line; }
+    /// The same without waiting; whether the lines go out is learned from their replies. Nothing else is under way.
+    void SendAheadInPassing(const std::vector<std::string>& lines);
+
+    /// The lines that were sent ahead and not asked for yet are the first of these, or these.
+    bool AreFirstAhead(const std::vector<std::string>& lines) const;
+
+    /// How many lines were sent ahead and not asked for yet.
+    std::size_t CountAhead() const { return Ahead.size(); }
 
     /// Lines were sent ahead, and are not all answered or given up.
     bool IsAhead() const { return Owed > 0; }
@@ -108,12 +114,16 @@ public:
 private:
     struct Shared;
     static Task<> ReadOn(std::shared_ptr<Shared> shared);
+    static Task<> WriteInPassing(std::shared_ptr<Shared> shared, std::string bytes);
+    bool MakeReadyForAhead(const std::vector<std::string>& lines);
+    void NoteAhead(std::vector<std::string> lines);
     Task<> Begin(std::string line);
     void DropUnasked();
     Task<> Write(std::string bytes);
     [[noreturn]] void ThrowWhyEnded() const;
 
     std::shared_ptr<Shared> Line;
+    asio::any_io_executor Executor;
     Intent& Why;
     Clock& Time;
     Milliseconds Limit;

@@ -193,6 +193,8 @@ bool Session::MayGoOn(const Failure& failure, bool closed)
 
 Task<std::string> Session::RunOnce(Operation operation)
 {
+    Reused = false;
+    co_await GiveUpPort(std::holds_alternative<Receive>(operation) || std::holds_alternative<Ftp::Send>(operation));
     Reused = co_await IsStillThere();
     if (!Reused) {
         CloseConnection();

@@ -85,6 +85,10 @@ public:
     /// own that ends with it.
     Task<Outcome> Fetch(Target target, Manner manner, std::filesystem::path file = {});
 
+    /// Asks for what the next file will need, for one will probably be received or sent soon. Returns at once; where
+    /// nothing can be gained, or the session is not open, nothing happens. Not while an operation runs.
+    void GetReady();
+
     /// Ends the running operation, or the one that is about to begin; its Perform returns soon.
     void Cancel();
 
@@ -117,7 +121,6 @@ private:
     Task<bool> TryLogIn(std::shared_ptr<Wire> wire, std::string listing);
     Task<> LogIn(std::string listing);
     Task<> EnterFolders();
-    Task<> HangUp();
     void CloseConnection();
 
     // Data connections
@@ -156,6 +159,8 @@ private:
     bool MaySendAhead() const;
     Task<> SendAhead(std::vector<std::string> lines);
     Task<> AskForNextPort();
+    bool MayAskForNextPort() const;
+    Task<> GiveUpPort(bool isForFile);
 
     Task<std::string> Run(Operation operation);
     Task<std::string> RunOnce(Operation operation);
@@ -211,7 +216,9 @@ private:
     Milliseconds InboundShare{0};           ///< of the time-out, for making it
     Milliseconds Wasted{0};                 ///< of the time-out, on data connections that did not come about
     Milliseconds LastUse{0};                ///< when the last operation ended
+    Milliseconds PortAsked{0};              ///< when a port was asked for ahead
     char Type = 'A';                        ///< of the server: TYPE A is what a session begins with (RFC 959, 5.1)
+    static constexpr char Unknown = 0;      ///< of a type: asked for, but the answer was not heard
     std::vector<std::string> Moves;         ///< changes of folder since log-in; an empty one leads up
     std::string LastListing;                ///< the reply of the last LIST
 };

@@ -171,25 +171,56 @@ bool Session::MaySendAhead() const
 Task<> Session::SendAhead(std::vector<std::string> lines)
 {
     if (!MaySendAhead() || lines.size() < 2) co_return;
-    if (Control->IsAhead()) {
-        if (!Control->IsOnlyAhead(lines.front())) co_return;
-        lines.erase(lines.begin());
-    }
-    co_await Control->SendAhead(std::move(lines));
+    if (!Control->AreFirstAhead(lines)) co_return;
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(Control->CountAhead()));
+    if (!lines.empty()) co_await Control->SendAhead(std::move(lines));
 }
 
 // While this side gets ready for the next file the server makes its port.
 Task<> Session::AskForNextPort()
 {
-    if (!How.MoreToCome || !MaySendAhead() || !Can.PassiveWorked) co_return;
-    const DataWay way = Ways().front();
-    if (way == DataWay::Active) co_return;
+    if (!How.MoreToCome || !MayAskForNextPort()) co_return;
     try {
-        std::vector<std::string> lines(1, PassiveLine(way));
+        std::vector<std::string> lines(1, PassiveLine(Ways().front()));
         co_await Control->SendAhead(std::move(lines));
+        PortAsked = Time.Now();
     } catch (const Failure&) {
         // The next command will find the connection closed.
     }
+}
+
+bool Session::MayAskForNextPort() const
+{
+    return MaySendAhead() && Can.PassiveWorked && Ways().front() != DataWay::Active;
+}
+
+// What a file needs, asked for in passing: the port, and the type in front of it as a transfer will ask for it.
+void Session::GetReady()
+{
+    if (!Ready || !Control || !Control->IsAlive() || Control->IsAhead() || !MayAskForNextPort()) return;
+    std::vector<std::string> lines;
+    if (Type != 'I') lines.emplace_back("TYPE I");
+    lines.push_back(PassiveLine(Ways().front()));
+    Control->SendAheadInPassing(lines);
+    if (!Control->IsAhead()) return;
+    if (lines.size() > 1) Type = Unknown;
+    PortAsked = Time.Now();
+}
+
+// A port that has been open for long may be closed by now, and only files are in need of it. What its reply says of the
+// session's end the next command is to find out.
+Task<> Session::GiveUpPort(bool isForFile)
+{
+    constexpr Milliseconds PortKeeps = std::chrono::seconds(20);
+    if (!Control || !Control->IsAlive() || !Control->IsAhead()) co_return;
+    if (isForFile && Time.Now() - PortAsked < PortKeeps) co_return;
+    Control->SetLimit(How.Limit);
+    try {
+        co_await Control->GiveUpAhead();
+    } catch (const Failure&) {
+        if (Why.IsInterrupted()) throw;
+    }
+    if (!Control->IsAlive()) CloseConnection();
 }
 
 }  // namespace Ftp

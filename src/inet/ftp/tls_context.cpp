@@ -28,7 +28,7 @@ void FreeTlsSession::operator()(ssl_session_st* session) const
     SSL_SESSION_free(session);
 }
 
-TlsContext::TlsContext() : Settings(SSL_CTX_new(TLS_client_method()))
+TlsContext::TlsContext(const std::string& protocol) : Settings(SSL_CTX_new(TLS_client_method()))
 {
     const bool good = Settings != nullptr && SSL_CTX_set_min_proto_version(Settings, TLS1_2_VERSION) == 1;
     if (!good) {
@@ -39,6 +39,9 @@ TlsContext::TlsContext() : Settings(SSL_CTX_new(TLS_client_method()))
     SSL_CTX_set_options(Settings, SSL_OP_NO_RENEGOTIATION);
     SSL_CTX_set_session_cache_mode(Settings, SSL_SESS_CACHE_CLIENT | SSL_SESS_CACHE_NO_INTERNAL);
     SSL_CTX_sess_set_new_cb(Settings, &KeepNew);
+    const std::string offered = static_cast<char>(protocol.size()) + protocol;
+    SSL_CTX_set_alpn_protos(Settings, reinterpret_cast<const unsigned char*>(offered.data()),
+                            static_cast<unsigned>(offered.size()));
     AddSystemTrust(SSL_CTX_get_cert_store(Settings));
 }
 

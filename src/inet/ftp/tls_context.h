@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 struct ssl_ctx_st;
@@ -18,8 +19,9 @@ using TlsTicket = std::unique_ptr<ssl_session_st, FreeTlsSession>;
 /// trusted authorities) and what is needed to resume. Transfer thread only.
 class TlsContext {
 public:
-    /// Throws Failure when the library cannot be used.
-    TlsContext();
+    /// `protocol` is what will be spoken on the connections, as RFC 7301 names it. Throws Failure when the library
+    /// cannot be used.
+    explicit TlsContext(const std::string& protocol);
     ~TlsContext();
     TlsContext(const TlsContext&) = delete;
     TlsContext& operator=(const TlsContext&) = delete;

@@ -38,8 +38,8 @@ private:
     std::optional<bool> Verdict;
 };
 
-TlsSession::TlsSession(Network& network, Intent& intent, Clock& clock, Asking ask)
-    : Net(network), Why(intent), Time(clock), Ask(std::move(ask))
+TlsSession::TlsSession(Network& network, Intent& intent, Clock& clock, Asking ask, std::string protocol)
+    : Net(network), Why(intent), Time(clock), Ask(std::move(ask)), Spoken(std::move(protocol))
 {
 }
 
@@ -52,7 +52,7 @@ std::shared_ptr<Wire> TlsSession::WrapControl(std::shared_ptr<Wire> wire, std::s
     Fingerprint.clear();
     Asked = false;
     if (Kind == Protection::None) return wire;
-    if (!Context) Context = std::make_shared<TlsContext>();
+    if (!Context) Context = std::make_shared<TlsContext>(Spoken);
     Context->Forget();
     if (host != Host) Accepted.clear();
     Host = std::move(host);

@@ -33,8 +33,8 @@ public:
     /// this number.
     using Asking = std::function<void(unsigned number, Certificate certificate)>;
 
-    /// `ask` may be empty: such certificates are then refused.
-    TlsSession(Network& network, Intent& intent, Clock& clock, Asking ask);
+    /// `ask` may be empty: such certificates are then refused. `protocol`: see TlsContext.
+    TlsSession(Network& network, Intent& intent, Clock& clock, Asking ask, std::string protocol = "ftp");
     ~TlsSession();
 
     /// A control connection to a host is to be made of this wire, which is connected. With Protection::None it is
@@ -69,6 +69,7 @@ private:
     Intent& Why;
     Clock& Time;
     Asking Ask;
+    std::string Spoken;
     std::shared_ptr<TlsContext> Context;  ///< made for the first secure connection
     std::shared_ptr<TlsWire> Control;     ///< nothing while the session is not a secure one
     Protection Kind = Protection::None;

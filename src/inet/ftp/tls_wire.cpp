@@ -152,8 +152,6 @@ void TlsWire::Prepare(const std::string& host)
         SSL_set1_host(Tls, host.c_str());
         SSL_set_tlsext_host_name(Tls, host.c_str());
     }
-    constexpr std::array<unsigned char, 4> Protocols{3, 'f', 't', 'p'};
-    SSL_set_alpn_protos(Tls, Protocols.data(), Protocols.size());
 }
 
 Task<> TlsWire::Connect(Endpoint endpoint)

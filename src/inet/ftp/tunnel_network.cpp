@@ -15,6 +15,7 @@ namespace Ftp {
 struct TunnelNetwork::Road {
     Proxy Via;  ///< never System
     std::string Host;
+    bool AsRelay = false;            ///< the proxy is not asked for a tunnel
     Endpoint Reached;                ///< the proxy's address that has answered
     std::optional<Failure> Refusal;  ///< the proxy's no to the host, which its other addresses would only repeat
 };
@@ -53,9 +54,10 @@ public:
             throw AboutProxy(failure);
         }
         try {
-            co_await OpenTunnel(Inner, Road->Via, Road->Host, endpoint.port());
+            if (!Road->AsRelay) co_await OpenTunnel(Inner, Road->Via, Road->Host, endpoint.port());
         } catch (const Failure& failure) {
-            if (isFirst && failure.Kind != Failure::Connection) Road->Refusal = failure;
+            if (failure.Kind == Failure::Connection) throw AboutProxy(failure);
+            if (isFirst) Road->Refusal = failure;
             throw;
         }
         Road->Reached = proxy;
@@ -100,10 +102,10 @@ struct Question {
 
 class TunnelLookup final : public Lookup {
 public:
-    TunnelLookup(std::shared_ptr<Lookup> inner, std::shared_ptr<TunnelNetwork::Road> road, Proxy wanted,
+    TunnelLookup(std::shared_ptr<Lookup> inner, std::shared_ptr<TunnelNetwork::Road> road, Proxy wanted, bool asRelay,
                  TunnelNetwork::SystemProxy ask, asio::any_io_executor executor)
-        : Inner(std::move(inner)), Road(std::move(road)), Wanted(std::move(wanted)), Ask(std::move(ask)),
-          Where(std::move(executor)), Answered(Where)
+        : Inner(std::move(inner)), Road(std::move(road)), Wanted(std::move(wanted)), AsRelay(asRelay),
+          Ask(std::move(ask)), Where(std::move(executor)), Answered(Where)
     {
     }
 
@@ -112,7 +114,7 @@ public:
     Task<std::vector<Endpoint>> Find(std::string host, std::uint16_t port) override
     {
         if (Wanted.Kind == Proxy::System) Wanted = co_await AskSystem(host, port);
-        *Road = {Wanted, host, {}, {}};
+        *Road = {Wanted, host, AsRelay && Wanted.Kind == Proxy::Connect, {}, {}};
         if (Wanted.Kind == Proxy::None) co_return co_await Inner->Find(std::move(host), port);
         std::vector<Endpoint> endpoints;
         try {
@@ -162,6 +164,7 @@ private:
     std::shared_ptr<Lookup> Inner;
     std::shared_ptr<TunnelNetwork::Road> Road;
     Proxy Wanted;
+    bool AsRelay;
     TunnelNetwork::SystemProxy Ask;
     asio::any_io_executor Where;
     Waker Answered;
@@ -178,9 +181,15 @@ TunnelNetwork::TunnelNetwork(Network& behind, SystemProxy ask)
 
 TunnelNetwork::~TunnelNetwork() = default;
 
-void TunnelNetwork::Use(Proxy via)
+void TunnelNetwork::Use(Proxy via, bool asRelay)
 {
     Wanted = std::move(via);
+    AsRelay = asRelay;
+}
+
+const Proxy& TunnelNetwork::Via() const
+{
+    return Taken->Via;
 }
 
 std::shared_ptr<Wire> TunnelNetwork::NewWire()
@@ -192,7 +201,7 @@ std::shared_ptr<Wire> TunnelNetwork::NewWire()
 std::shared_ptr<Lookup> TunnelNetwork::NewLookup()
 {
     Taken = std::make_shared<Road>();
-    return std::make_shared<TunnelLookup>(Behind.NewLookup(), Taken, Wanted, Ask, Executor());
+    return std::make_shared<TunnelLookup>(Behind.NewLookup(), Taken, Wanted, AsRelay, Ask, Executor());
 }
 
 }  // namespace Ftp

@@ -24,8 +24,12 @@ public:
     TunnelNetwork(Network& behind, SystemProxy ask);
     ~TunnelNetwork() override;
 
-    /// How hosts are reached that are looked up from now on; what is connected stays as it is.
-    void Use(Proxy via);
+    /// How hosts are reached that are looked up from now on; what is connected stays as it is. `asRelay`: an HTTP proxy
+    /// is not asked for tunnels, since what will be sent over the wires is meant for itself (RFC 9112, 3.2.2).
+    void Use(Proxy via, bool asRelay = false);
+
+    /// The road that the last look-up has settled on; never System.
+    const Proxy& Via() const;
 
     std::shared_ptr<Wire> NewWire() override;
     std::shared_ptr<Lookup> NewLookup() override;
@@ -41,6 +45,7 @@ private:
     Network& Behind;
     SystemProxy Ask;
     Proxy Wanted;
+    bool AsRelay = false;
     std::shared_ptr<Road> Taken;
 };
 
