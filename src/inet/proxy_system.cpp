@@ -4,6 +4,19 @@
 #include <QNetworkProxy>
 #include <QUrl>
 
+#ifdef Q_OS_WIN
+
+namespace {
+
+// The library looks at the system's exceptions with regular expressions, and once it has compiled one it keeps a stack
+// for each thread. With MinGW that is gone before the end of a thread tidies it up, and the program with it. The
+// library reads this once, when it first meets an expression, hence before main().
+[[maybe_unused]] const bool IsInterpreting = qputenv("QT_ENABLE_REGEXP_JIT", "0");
+
+}  // namespace
+
+#endif
+
 Ftp::Proxy SystemProxy(const std::string& scheme, const std::string& host, std::uint16_t port)
 {
     const QString name = QString::fromStdString(host);

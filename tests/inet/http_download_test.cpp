@@ -1,5 +1,6 @@
 #include "support/downloads.h"
 #include "support/http_server.h"
+#include "support/memory_in_use.h"
 
 #include <QEventLoop>
 #include <QTcpServer>
@@ -412,17 +413,6 @@ void HttpDownloadTest::AHostThatIsNotThereIsAnError()
     QCOMPARE(got.Code, 12007);
     QCOMPARE(downloads.States(), (QList<int>{1, 11}));
 }
-
-namespace {
-
-qint64 MemoryInUse()
-{
-    QFile file("/proc/self/statm");
-    if (!file.open(QIODevice::ReadOnly)) return 0;
-    return file.readAll().split(' ').value(1).toLongLong() * 4096;
-}
-
-}  // namespace
 
 void HttpDownloadTest::ProgressIsTold_data()
 {

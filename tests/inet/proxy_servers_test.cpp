@@ -4,6 +4,7 @@
 #include "support/proxy_server.h"
 #include "support/real_proxy.h"
 #include "support/real_servers.h"
+#include "support/system_proxy.h"
 
 #include <QTest>
 
@@ -50,13 +51,11 @@ private slots:
 private:
     static void TakeTour(Downloads& downloads, const QString& url, const QString& user, const QString& password);
 
+    SystemProxySettings Settings;
     QByteArray Sample;
 };
 
 namespace {
-
-const QStringList Variables{"http_proxy", "https_proxy", "ftp_proxy", "all_proxy", "no_proxy",
-                            "HTTP_PROXY", "HTTPS_PROXY", "FTP_PROXY", "ALL_PROXY", "NO_PROXY"};
 
 const HttpServer::Answer Fine{HttpServer::Whole("200 OK", "text")};
 
@@ -79,12 +78,11 @@ void ProxyServersTest::initTestCase()
 {
     Sample.resize(8'000'000);
     for (qsizetype i = 0; i < Sample.size(); ++i) Sample[i] = static_cast<char>((i * 7919) >> 5);
-    cleanup();
 }
 
 void ProxyServersTest::cleanup()
 {
-    for (const QString& name : Variables) qunsetenv(name.toLatin1().constData());
+    Settings.Clear();
 }
 
 // From connect to hang up: a listing, a file each way, and back again.
@@ -462,26 +460,20 @@ void ProxyServersTest::ATextThatNamesNoProxyIsAnError()
 
 void ProxyServersTest::TheSystemsProxyIsUsed_data()
 {
-    QTest::addColumn<QString>("variable");
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("scheme");
-    QTest::newRow("ftp") << "ftp_proxy"
-                         << "http"
+    QTest::newRow("ftp") << "http"
                          << "ftp";
-    QTest::newRow("ftp by SOCKS") << "ftp_proxy"
-                                  << "socks5"
+    QTest::newRow("ftp by SOCKS") << "socks5"
                                   << "ftp";
-    QTest::newRow("http") << "http_proxy"
-                          << "http"
+    QTest::newRow("http") << "http"
                           << "http";
-    QTest::newRow("http by SOCKS") << "http_proxy"
-                                   << "socks5"
+    QTest::newRow("http by SOCKS") << "socks5"
                                    << "http";
 }
 
 void ProxyServersTest::TheSystemsProxyIsUsed()
 {
-    QFETCH(QString, variable);
     QFETCH(QString, kind);
     QFETCH(QString, scheme);
     ProxyServer proxy;
@@ -489,7 +481,7 @@ void ProxyServersTest::TheSystemsProxyIsUsed()
     LoopbackServer ftp;
     http.Answers["/x"] = Fine;
     ftp.Files["x"] = "text";
-    qputenv(variable.toLatin1().constData(), proxy.Url(kind).toLatin1());
+    Settings.Use(scheme, kind, proxy.Port());
     Downloads downloads;
     const int port = scheme == "ftp" ? ftp.Port() : http.Port();
     const Inet::Download got = downloads.Fetch(QStringLiteral("%1://files.test:%2/x").arg(scheme).arg(port));
@@ -497,18 +489,17 @@ void ProxyServersTest::TheSystemsProxyIsUsed()
     QCOMPARE(got.Bytes, QByteArray("text"));
     QCOMPARE(proxy.Targets.first(), "files.test:" + QByteArray::number(port));
     // Where the system makes an exception there is none.
-    qputenv("no_proxy", "files.test");
+    Settings.Except("files.test");
     QCOMPARE(downloads.Fetch(QStringLiteral("%1://files.test:%2/x").arg(scheme).arg(port)).Code, 12007);
 }
 
 void ProxyServersTest::DirectMeansDirect()
 {
     ProxyServer proxy;
-    qputenv("ftp_proxy", proxy.Url("http").toLatin1());
-    qputenv("http_proxy", proxy.Url("http").toLatin1());
     Downloads downloads;
     downloads.Component->SetAccessType(Inet::Direct);
     for (const char* scheme : {"ftp", "http"}) {
+        Settings.Use(scheme, "http", proxy.Port());
         const Inet::Download got = downloads.Fetch(QString(scheme) + "://files.invalid/x");
         QCOMPARE(got.Code, 12007);
     }
@@ -522,10 +513,10 @@ void ProxyServersTest::ThisComputerNeedsNoProxy()
     LoopbackServer ftp;
     http.Answers["/x"] = Fine;
     ftp.Files["x"] = "text";
-    qputenv("ftp_proxy", proxy.Url("http").toLatin1());
-    qputenv("http_proxy", proxy.Url("http").toLatin1());
     Downloads downloads;
+    Settings.Use("http", "http", proxy.Port());
     QVERIFY(downloads.Fetch(http.Url("/x")).Arrived);
+    Settings.Use("ftp", "http", proxy.Port());
     QVERIFY(downloads.Fetch(QStringLiteral("ftp://127.0.0.1:%1/x").arg(ftp.Port())).Arrived);
     QVERIFY(downloads.Fetch(QStringLiteral("ftp://localhost:%1/x").arg(ftp.Port())).Arrived);
     QCOMPARE(proxy.Targets.size(), 0);

@@ -1,4 +1,5 @@
 #include "base/byte_text.h"
+#include "support/names_here.h"
 #include "support/outcome_checks.h"
 #include "support/sample_conversations.h"
 
@@ -358,8 +359,10 @@ void QuirksSessionTest::NamesInOtherLettersGoBackAsTheyCame()
     Conversation talk(LogIn + "C: TYPE I\nS: 200\n" + SamplePassive + "C: RETR " + name +
                       "\n-- accept\nS: 150\nD: data\n-- end\nS: 226\nC: DELE " + name + "\nS: 250 gone");
     const std::string shown = TextToBytes(BytesToText(raw)).toStdString();
-    QVERIFY_GOOD(talk.Do("GET \"" + shown + "\" \"" + shown + '"'));
-    QCOMPARE(talk.LocalFile(BytesToText(raw)), QByteArray("data"));
+    // A file of Windows has a name of letters.
+    const QByteArray local = CanBeFileHere(raw) ? raw : "data";
+    QVERIFY_GOOD(talk.Do("GET \"" + shown + "\" \"" + local.toStdString() + '"'));
+    QCOMPARE(talk.LocalFile(BytesToText(local)), QByteArray("data"));
     QVERIFY_GOOD(talk.Do("DELETE \"" + shown + '"'));
     QVERIFY_FOLLOWED(talk);
 }

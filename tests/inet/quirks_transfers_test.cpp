@@ -289,7 +289,10 @@ void QuirksTransfersTest::ALineIsNeverALocalPath()
                       "\\r\\n\n-- end\nS: 226\nC: TYPE I\nS: 200\n" + SamplePassive + "C: RETR " + line +
                       "\n-- accept\nS: 150\nD: evil\n-- end\nS: 226");
     QVERIFY(QDir(talk.LocalFolder()).mkpath("near/here"));
+    // Windows goes by the text and looks for no such folder, and could not have it either.
+#ifndef Q_OS_WIN
     QVERIFY(QDir(talk.LocalFolder()).mkpath("near/here/" + QString::fromStdString(line).section('/', 0, 0)));
+#endif
     talk.LocalPlace = "near/here";
     QVERIFY_GOOD(talk.Do("DIR"));
     QCOMPARE_FAILED(talk.Do("GET \"" + line + "\" \"" + line + '"'), Ftp::OperationError);

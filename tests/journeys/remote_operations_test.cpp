@@ -1,5 +1,6 @@
 #include "base/byte_text.h"
 #include "platform/file_facts.h"
+#include "platform/short_path.h"
 #include "support/names_here.h"
 #include "support/real_program.h"
 #include "support/test_files.h"
@@ -220,7 +221,7 @@ void RemoteOperationsTest::ALocalCopyIsReplacedByTheFileRead()
     Choose("read me.txt");
     Press("Command5");
     QCOMPARE(Read(Local("read me.txt")), QByteArray("new"));
-    QCOMPARE(Own->Edited, QStringList{Local("read me.txt")});
+    QCOMPARE(Own->Edited, QStringList{ShortPath(QDir::toNativeSeparators(Local("read me.txt")))});
     QCOMPARE(Lines(), QStringList{"read me.txt"});
 }
 

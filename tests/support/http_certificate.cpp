@@ -70,7 +70,7 @@ HttpCertificate HttpCertificate::For(const QString& host, int firstDay, int last
     X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate), "CN", MBSTRING_ASC,
                                reinterpret_cast<const unsigned char*>(name.constData()), -1, -1, 0);
     const OwnedCertificate issuer = authority ? ReadCertificate(authority->Certificate.toPem()) : OwnedCertificate();
-    const OwnedKey signer = authority ? ReadKey(authority->Key.toPem()) : OwnedKey();
+    const OwnedKey signer = authority ? ReadKey(authority->Key) : OwnedKey();
     X509_set_issuer_name(certificate, X509_get_subject_name(issuer ? issuer.get() : certificate));
     X509_set_pubkey(certificate, key.get());
     const bool isNumber = !QHostAddress(host).isNull();
@@ -80,7 +80,7 @@ HttpCertificate HttpCertificate::For(const QString& host, int firstDay, int last
     const QByteArray keyText =
         PemOf([&](BIO* out) { PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
     const QByteArray text = PemOf([&](BIO* out) { PEM_write_bio_X509(out, certificate); });
-    return {QSslCertificate(text), QSslKey(keyText, QSsl::Ec)};
+    return {QSslCertificate(text), keyText};
 }
 
 TrustedCertificates::TrustedCertificates()

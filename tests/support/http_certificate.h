@@ -1,14 +1,14 @@
 #pragma once
 
+#include <QByteArray>
 #include <QSslCertificate>
-#include <QSslKey>
 #include <QString>
 #include <QTemporaryDir>
 
 /// A certificate that a test made for itself, and its key. Who is to accept it must be told to trust it.
 struct HttpCertificate {
     QSslCertificate Certificate;
-    QSslKey Key;
+    QByteArray Key;  ///< PEM
 
     /// For a host, a name or a number, from `firstDay` to `lastDay` counted from today; signed by an authority, or by
     /// itself.

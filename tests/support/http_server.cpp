@@ -1,7 +1,5 @@
 #include "support/http_server.h"
 
-#include <QSslConfiguration>
-#include <QSslServer>
 #include <QTimer>
 #include <algorithm>
 #ifdef _WIN32
@@ -10,24 +8,10 @@
 #include <sys/socket.h>
 #endif
 
-HttpServer::HttpServer(const std::optional<HttpCertificate>& certificate) : IsSecure(certificate.has_value())
+HttpServer::HttpServer(const std::optional<HttpCertificate>& certificate) : Shown(certificate)
 {
-    if (certificate) {
-        Listener = std::make_unique<QSslServer>();
-        Show(*certificate);
-    } else {
-        Listener = std::make_unique<QTcpServer>();
-    }
-    connect(Listener.get(), &QTcpServer::pendingConnectionAvailable, this, &HttpServer::Greet);
-    if (!Listener->listen(QHostAddress::LocalHost)) qFatal("no port to listen on");
-}
-
-void HttpServer::Show(const HttpCertificate& certificate)
-{
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificate(certificate.Certificate);
-    configuration.setPrivateKey(certificate.Key);
-    static_cast<QSslServer&>(*Listener).setSslConfiguration(configuration);
+    connect(&Listener, &QTcpServer::newConnection, this, &HttpServer::Greet);
+    if (!Listener.listen(QHostAddress::LocalHost)) qFatal("no port to listen on");
 }
 
 HttpServer::~HttpServer()
@@ -38,7 +22,7 @@ HttpServer::~HttpServer()
 
 QString HttpServer::Url(const QString& path) const
 {
-    return QStringLiteral("%1://127.0.0.1:%2%3").arg(IsSecure ? "https" : "http").arg(Port()).arg(path);
+    return QStringLiteral("%1://127.0.0.1:%2%3").arg(Shown ? "https" : "http").arg(Port()).arg(path);
 }
 
 QByteArray HttpServer::Whole(const QByteArray& status, const QByteArray& body, const QByteArray& header)
@@ -54,8 +38,9 @@ HttpServer::Answer HttpServer::Redirect(const QByteArray& location)
 
 void HttpServer::Greet()
 {
-    while (QTcpSocket* socket = Listener->nextPendingConnection()) {
+    while (QTcpSocket* socket = Listener.nextPendingConnection()) {
         Clients.insert(socket, {});
+        if (Shown) Clients[socket].Tls = std::make_shared<ServerTls>(*Shown);
         ++Connections;
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(socket); });
         connect(socket, &QTcpSocket::bytesWritten, this, [this, socket] { Fill(socket); });
@@ -79,8 +64,18 @@ void HttpServer::Forget(QTcpSocket* socket)
 
 void HttpServer::Read(QTcpSocket* socket)
 {
-    QByteArray& buffer = Clients[socket].Buffer;
-    buffer += socket->readAll();
+    Client& client = Clients[socket];
+    QByteArray& buffer = client.Buffer;
+    if (client.Tls) {
+        buffer += client.Tls->Take(socket->readAll());
+        socket->write(client.Tls->Outgoing());
+        if (client.Tls->HasFailed()) {
+            socket->disconnectFromHost();
+            return;
+        }
+    } else {
+        buffer += socket->readAll();
+    }
     const qsizetype end = buffer.indexOf("\r\n\r\n");
     if (end < 0) return;
     const QByteArrayList lines = buffer.first(end).split('\n');
@@ -97,6 +92,13 @@ void HttpServer::Read(QTcpSocket* socket)
     Obey(socket, Respond ? Respond(request) : Answers.value(request.Path, missing));
 }
 
+void HttpServer::Send(QTcpSocket* socket, const QByteArray& bytes)
+{
+    const std::shared_ptr<ServerTls>& tls = Clients[socket].Tls;
+    if (tls) tls->Put(bytes);
+    socket->write(tls ? tls->Outgoing() : bytes);
+}
+
 void HttpServer::Obey(QTcpSocket* socket, const Answer& answer)
 {
     Client& client = Clients[socket];
@@ -107,14 +109,14 @@ void HttpServer::Obey(QTcpSocket* socket, const Answer& answer)
         Drip(socket, answer.Bytes);
         return;
     }
-    socket->write(answer.Bytes);
+    Send(socket, answer.Bytes);
     Fill(socket);
 }
 
 void HttpServer::Drip(QTcpSocket* socket, const QByteArray& bytes)
 {
     if (!Clients.contains(socket)) return;
-    socket->write(bytes.first(1));
+    Send(socket, bytes.first(1));
     if (bytes.size() > 1)
         QTimer::singleShot(0, socket, [this, socket, rest = bytes.mid(1)] { Drip(socket, rest); });
     else
@@ -131,7 +133,7 @@ void HttpServer::Fill(QTcpSocket* socket)
         const qint64 size = std::min(client.Filling, Piece);
         client.Filling -= size;
         Sent += size;
-        socket->write(QByteArray(size, 'x'));
+        Send(socket, QByteArray(size, 'x'));
     }
     if (client.Filling == 0) Finish(socket);
 }
@@ -142,6 +144,10 @@ void HttpServer::Finish(QTcpSocket* socket)
     case Answer::Stay:
         return;
     case Answer::Close:
+        if (const std::shared_ptr<ServerTls>& tls = Clients[socket].Tls) {
+            tls->End();
+            socket->write(tls->Outgoing());
+        }
         socket->disconnectFromHost();
         return;
     case Answer::Reset:

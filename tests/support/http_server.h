@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/http_certificate.h"
+#include "support/server_tls.h"
 
 #include <QByteArray>
 #include <QByteArrayList>
@@ -37,9 +38,9 @@ public:
     ~HttpServer() override;
 
     /// Shows this certificate from the next connection on.
-    void Show(const HttpCertificate& certificate);
+    void Show(const HttpCertificate& certificate) { Shown = certificate; }
 
-    int Port() const { return Listener->serverPort(); }
+    int Port() const { return Listener.serverPort(); }
 
     /// http://127.0.0.1:port, or https, and what is behind it.
     QString Url(const QString& path) const;
@@ -66,6 +67,7 @@ public:
 
 private:
     struct Client {
+        std::shared_ptr<ServerTls> Tls;  ///< of secure HTTP
         QByteArray Buffer;
         qint64 Filling = 0;
         Answer::Ends Then = Answer::Stay;
@@ -74,13 +76,14 @@ private:
 
     void Greet();
     void Read(QTcpSocket* socket);
+    void Send(QTcpSocket* socket, const QByteArray& bytes);
     void Obey(QTcpSocket* socket, const Answer& answer);
     void Drip(QTcpSocket* socket, const QByteArray& bytes);
     void Fill(QTcpSocket* socket);
     void Finish(QTcpSocket* socket);
     void Forget(QTcpSocket* socket);
 
-    std::unique_ptr<QTcpServer> Listener;
-    bool IsSecure;
+    QTcpServer Listener;
+    std::optional<HttpCertificate> Shown;
     QHash<QTcpSocket*, Client> Clients;
 };
