@@ -161,6 +161,7 @@ public:
         return QDir(Folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
+    asio::io_context Context;
     QString Address = "http://server.test/x";
     bool IntoFile = true;
     ManualClock Clock;
@@ -178,7 +179,6 @@ private:
     }
 
     QTemporaryDir Folder;
-    asio::io_context Context;
     MemoryNetwork Net{Context.get_executor(), Server};
     HttpDownload Web{Net, Clock, [](const auto&, const auto&, auto) { return Ftp::Proxy(); },
                      Ftp::Observer{[this](int state) { States.push_back(state); }, {}}};
