@@ -523,7 +523,7 @@ void HttpDownloadTest::CancelEndsItInEveryState_data()
     QTest::newRow("asked") << QByteArray() << true;
     QTest::newRow("in the header") << QByteArray("HTTP/1.1 200 OK\r\nContent-") << true;
     QTest::newRow("in the file") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc") << true;
-    QTest::newRow("in a refusal") << QByteArray("HTTP/1.1 401 Who?\r\nContent-Length: 9\r\n\r\nabc") << true;
+    QTest::newRow("in a refusal") << QByteArray("HTTP/1.1 401 Who?\r\nContent-") << true;
 }
 
 void HttpDownloadTest::CancelEndsItInEveryState()
