@@ -20,9 +20,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -30,12 +32,18 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr Ftp::Milliseconds Limit = std::chrono::seconds(20);
-constexpr const char* Password = "opensesame";
 constexpr const char* Old = "old bytes";
+
+/// Another for every input, so that none can hold its own: a server that knew the password could ask for it back, as a
+/// place to go to or as a realm.
+std::string PasswordFor(std::string_view input)
+{
+    return "p" + std::to_string(std::hash<std::string_view>()(input));
+}
 
 class HttpServer final : public MemoryServer {
 public:
-    explicit HttpServer(std::size_t slice) : Slice(slice) {}
+    HttpServer(std::size_t slice, std::string password) : Slice(slice), Password(std::move(password)) {}
 
     Answer Accept(std::shared_ptr<MemoryLink> link) override
     {
@@ -93,6 +101,7 @@ public:
 private:
     std::vector<std::shared_ptr<MemoryLink>> Links;
     std::size_t Slice;
+    std::string Password;
     bool Refuses = false;
 };
 
@@ -135,8 +144,8 @@ private:
 class Visit {
 public:
     Visit(asio::io_context& context, Disk& disk, Input input)
-        : Context(context), Local(disk), Steps(input), Options(Steps.Byte()),
-          Server((Options & 0x3FU) == 0 ? SIZE_MAX : Options & 0x3FU), Net(context.get_executor(), Server)
+        : Context(context), Local(disk), Password(PasswordFor(input.All())), Steps(input), Options(Steps.Byte()),
+          Server((Options & 0x3FU) == 0 ? SIZE_MAX : Options & 0x3FU, Password), Net(context.get_executor(), Server)
     {
         Ftp::Observer observer;
         observer.State = [this](int state) { REQUIRE(state == ++Told && state <= 8); };
@@ -204,6 +213,7 @@ private:
 
     asio::io_context& Context;
     Disk& Local;
+    std::string Password;
     Input Steps;
     unsigned Options;
     ManualClock Clock;
