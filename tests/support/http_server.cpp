@@ -45,8 +45,19 @@ void HttpServer::Greet()
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { Read(socket); });
         connect(socket, &QTcpSocket::bytesWritten, this, [this, socket] { Fill(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] { Forget(socket); });
+        KeepTrying(socket);
         Read(socket);
     }
+}
+
+// The toolkit turns a socket's messages off while it handles one. Wine never tells of a reset that comes just then
+// (Windows does, once they are on again); whoever writes finds out.
+void HttpServer::KeepTrying(QTcpSocket* socket)
+{
+    constexpr int Pause = 100;
+    auto* beat = new QTimer(socket);
+    connect(beat, &QTimer::timeout, socket, &QTcpSocket::flush);
+    beat->start(Pause);
 }
 
 void HttpServer::HangUp()

@@ -75,6 +75,7 @@ private:
     };
 
     void Greet();
+    static void KeepTrying(QTcpSocket* socket);
     void Read(QTcpSocket* socket);
     void Send(QTcpSocket* socket, const QByteArray& bytes);
     void Obey(QTcpSocket* socket, const Answer& answer);
