@@ -1,7 +1,9 @@
 #include "app/end_at_once.h"
 #include "inet/transfer_component.h"
 #include "platform/short_path.h"
+#include "support/http_server.h"
 #include "support/loopback_server.h"
+#include "support/started_program.h"
 #include "support/window_fixture.h"
 
 #include <QComboBox>
@@ -29,15 +31,14 @@ private slots:
     void ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage();
     void ARequestOfTheSystemEndsTheProgramDuringATransfer();
 #endif
+    void ASecureDownloadHoldsNobodyUp_data();
+    void ASecureDownloadHoldsNobodyUp();
     void EndingAtOnceWaitsForNobodyAndStoresNothing();
     void AServerThatSaysNothingHoldsNobodyUp();
     void AServerThatStopsHalfWayHoldsNobodyUp();
     void AHangUpThatWaitsForASilentServerHoldsNobodyUp();
 
 private:
-#ifndef Q_OS_WIN
-    static void Start(QProcess& program, const QString& home, const QString& steps = {});
-#endif
     static void Connect(WindowFixture& program, quint16 port);
     static void CloseAndMeasure(WindowFixture& program);
 };
@@ -47,29 +48,14 @@ namespace {
 // Milliseconds. A second is meant; what hangs waits for a time-out of minutes, and a busy machine is not a fault.
 constexpr int Limit = 20'000;
 
+QStringList FilesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+}
+
 }  // namespace
 
 #ifndef Q_OS_WIN
-void EndOfProgramTest::Start(QProcess& program, const QString& home, const QString& steps)
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("TOLVANE_HOME", home);
-    environment.insert("XDG_CONFIG_HOME", home);
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    if (!steps.isEmpty()) {
-        environment.insert("QT_QPA_GENERIC_PLUGINS", "typist");
-        environment.insert("QT_PLUGIN_PATH", TYPIST_PLUGINS);
-        environment.insert("TOLVANE_TYPIST", steps);
-    }
-    program.setProcessEnvironment(environment);
-    program.setWorkingDirectory(home);
-    // Whoever runs the tests in the background may have these ignored.
-    program.setChildProcessModifier([] {
-        for (const int request : {SIGTERM, SIGINT, SIGHUP}) signal(request, SIG_DFL);
-    });
-    program.start(TOLVANE_PROGRAM, QStringList());
-}
-
 void EndOfProgramTest::ARequestOfTheSystemEndsTheProgram_data()
 {
     QTest::addColumn<int>("number");
@@ -81,79 +67,102 @@ void EndOfProgramTest::ARequestOfTheSystemEndsTheProgram_data()
 void EndOfProgramTest::ARequestOfTheSystemEndsTheProgram()
 {
     QFETCH(int, number);
-    const QTemporaryDir home;
-    {
-        SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
-        settings.Write("FLanguage", "1");
-    }
-    QProcess program;
-    Start(program, home.path());
-    QVERIFY(program.waitForStarted());
-    QTRY_VERIFY(QFile::exists(home.path() + "/Temp"));
+    StartedProgram program;
+    program.Start();
+    QVERIFY(program.Process.waitForStarted());
+    QTRY_VERIFY(QFile::exists(program.Home() + "/Temp"));
 
     QElapsedTimer sinceRequest;
     sinceRequest.start();
-    QCOMPARE(kill(static_cast<pid_t>(program.processId()), number), 0);
-    QVERIFY(program.waitForFinished());
+    QCOMPARE(kill(static_cast<pid_t>(program.Process.processId()), number), 0);
+    QVERIFY(program.HasEnded());
     QVERIFY2(sinceRequest.elapsed() < Limit, qPrintable(QString::number(sinceRequest.elapsed())));
-    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(program.exitCode(), 0);
-    const SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
-    QCOMPARE(settings.Read("SaveDrive", "(absent)"), home.path());
+    QCOMPARE(program.Setting("SaveDrive"), program.Home());
 }
 
 void EndOfProgramTest::ARequestOfTheSystemEndsAFirstStartThatAsksForTheLanguage()
 {
-    const QTemporaryDir home;
-    const QString file = home.path() + "/Tolvane/Tolvane.conf";
-    QProcess program;
-    Start(program, home.path());
-    QVERIFY(program.waitForStarted());
-    QTRY_COMPARE(SettingsStore(file).Read("FLanguage", "0"), QString("1"));
-    QCOMPARE(kill(static_cast<pid_t>(program.processId()), SIGTERM), 0);
-    QVERIFY(program.waitForFinished());
-    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(program.exitCode(), 0);
+    StartedProgram program;
+    program.Remove("FLanguage");
+    program.Start();
+    QVERIFY(program.Process.waitForStarted());
+    QTRY_COMPARE(program.Setting("FLanguage"), QString("1"));
+    QCOMPARE(kill(static_cast<pid_t>(program.Process.processId()), SIGTERM), 0);
+    QVERIFY(program.HasEnded());
     // The main window, which makes this folder, has not been loaded.
-    QVERIFY(!QFile::exists(home.path() + "/Temp"));
-    QCOMPARE(SettingsStore(file).Read("Language", "(absent)"), QString("(absent)"));
+    QVERIFY(!QFile::exists(program.Home() + "/Temp"));
+    QCOMPARE(program.Setting("Language"), QString("(absent)"));
 }
 
 void EndOfProgramTest::ARequestOfTheSystemEndsTheProgramDuringATransfer()
 {
-    const QTemporaryDir home;
-    {
-        SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
-        settings.Write("FLanguage", "1");
-    }
-    const auto files = [&] { return QDir(home.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); };
-    QFile old(home.filePath("first"));
+    StartedProgram program;
+    QFile old(program.Home() + "/first");
     QVERIFY(old.open(QIODevice::WriteOnly) && old.write("as it was") > 0);
     old.close();
     LoopbackServer server;
     server.Files["first"] = QByteArray(1 << 20, 'x');
     server.DataLimit = 1000;
     const QString address = QString("ftp://127.0.0.1:%1").arg(server.Port());
-    QProcess program;
-    Start(program, home.path(),
-          "type txtURL " + address + "|click cmdConnect|rows lstRemoteFiles 2|pick lstRemoteFiles 0|click Image2");
+    program.Start("type txtURL " + address +
+                  "|click cmdConnect|rows lstRemoteFiles 2|pick lstRemoteFiles 0|click Image2");
     QTRY_VERIFY_WITH_TIMEOUT(server.Commands.contains("RETR first"), Limit);
-    QTRY_COMPARE_WITH_TIMEOUT(files().filter(".part").size(), 1, Limit);
+    QTRY_COMPARE_WITH_TIMEOUT(FilesIn(program.Home()).filter(".part").size(), 1, Limit);
 
-    QCOMPARE(kill(static_cast<pid_t>(program.processId()), SIGTERM), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(program.state(), QProcess::NotRunning, Limit);
-    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(kill(static_cast<pid_t>(program.Process.processId()), SIGTERM), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(program.Process.state(), QProcess::NotRunning, Limit);
+    QVERIFY(program.HasEnded());
     QTRY_COMPARE(server.OpenConnections(), 0);
-    QCOMPARE(files(), (QStringList{"Tolvane.dta", "first"}));
+    QCOMPARE(FilesIn(program.Home()), (QStringList{"Tolvane.dta", "first"}));
     QVERIFY(old.open(QIODevice::ReadOnly));
     QCOMPARE(old.readAll(), QByteArray("as it was"));
-    const SettingsStore settings(home.path() + "/Tolvane/Tolvane.conf");
-    QCOMPARE(settings.Read("SaveURL", "(absent)"), address);
-    QCOMPARE(settings.Read("SaveDrive", "(absent)"), home.path());
+    QCOMPARE(program.Setting("SaveURL"), address);
+    QCOMPARE(program.Setting("SaveDrive"), program.Home());
 }
 
 #endif
+
+void EndOfProgramTest::ASecureDownloadHoldsNobodyUp_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QString>("moment");
+    QTest::addColumn<QString>("end");
+    QTest::addColumn<QStringList>("files");
+    const QByteArray whole = HttpServer::Whole("200 OK", QByteArray(100'000, 'x'));
+    const QStringList none{"Tolvane.dta"};
+    const QStringList accepted{"TolvCert.dta", "Tolvane.dta"};
+    const QStringList received{"TolvCert.dta", "Tolvane.dta", "file"};
+    for (const QString end : {"choose mnuExit", "close Tolvane"}) {
+        const QByteArray way = end.section(u' ', 0, 0).toLatin1();
+        QTest::newRow("while it asks, " + way) << whole << "asks Yes" << end << none;
+        QTest::newRow("before the answer, " + way)
+            << QByteArray() << "answer Yes|shows sbFTP2 Receiving Response..." << end << accepted;
+        QTest::newRow("in the file, " + way)
+            << whole.first(50'000) << "answer Yes|shows sbFTP2 Receiving Response..." << end << accepted;
+        QTest::newRow("after the file, " + way) << whole << "answer Yes|shows sbFTP2 Waiting..." << end << received;
+    }
+}
+
+/// The executable ends as a whole, whatever its threads are about when its window closes.
+void EndOfProgramTest::ASecureDownloadHoldsNobodyUp()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(QString, moment);
+    QFETCH(QString, end);
+    QFETCH(QStringList, files);
+    HttpServer server(HttpCertificate::For("127.0.0.1"));
+    server.Answers["/file"] = {answer};
+    StartedProgram program;
+    program.Start("choose mnuCommand|type txtCom " + server.Url("/file") + "|click Command14|" + moment + u'|' + end);
+    QTRY_COMPARE_WITH_TIMEOUT(server.Connections, 1, 2 * Limit);
+    // Well before the download itself would have lost patience.
+    QTRY_COMPARE_WITH_TIMEOUT(program.Process.state(), QProcess::NotRunning, Limit);
+    QVERIFY(program.HasEnded());
+    QTRY_COMPARE(server.OpenConnections(), 0);
+    QCOMPARE(server.Connections, 1);
+    QCOMPARE(FilesIn(program.Home()), files);
+    QVERIFY(program.Setting("SaveDrive") != u"(absent)");
+}
 
 namespace {
 
