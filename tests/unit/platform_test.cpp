@@ -1,6 +1,7 @@
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
 #include "platform/current_folder.h"
+#include "platform/detached_thread.h"
 #include "platform/end_requests.h"
 #include "platform/free_space.h"
 #include "platform/local_file.h"
@@ -8,15 +9,19 @@
 #include "platform/short_path.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <atomic>
 #include <csignal>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <system_error>
+#include <thread>
 #ifndef Q_OS_WIN
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -46,6 +51,7 @@ private slots:
 #endif
     void AMissingFolderIsReportedAndLeavesTheCurrentOne();
     void TheFreeSpaceIsTheFileSystems();
+    void EveryDetachedThreadRuns();
 #ifndef Q_OS_WIN
     void APipeInAFilesPlaceIsNotWaitedFor();
     void TheFreeSpaceOfAMissingPathIsUnknown();
@@ -174,6 +180,20 @@ void PlatformTest::AMissingFolderIsReportedAndLeavesTheCurrentOne()
     QVERIFY(!errors.Attempt([&] { ChangeCurrentFolder(Folder->path() + "/gone"); }));
     QCOMPARE(errors.Description(), QString("Path not found"));
     QCOMPARE(CurrentFolder(), Before);
+}
+
+/// Each is begun when the one before is just about to end.
+void PlatformTest::EveryDetachedThreadRuns()
+{
+    constexpr int Threads = 1000;
+    for (int thread = 0; thread < Threads; ++thread) {
+        const auto hasRun = std::make_shared<std::atomic<bool>>(false);
+        RunDetached([hasRun] { *hasRun = true; });
+        QElapsedTimer sinceBegin;
+        sinceBegin.start();
+        while (!*hasRun && sinceBegin.elapsed() < 20'000) std::this_thread::yield();
+        QVERIFY2(*hasRun, qPrintable(QString::number(thread)));
+    }
 }
 
 void PlatformTest::TheFreeSpaceIsTheFileSystems()

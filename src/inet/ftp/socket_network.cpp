@@ -2,6 +2,7 @@
 
 #include "inet/ftp/failure.h"
 #include "inet/ftp/waker.h"
+#include "platform/detached_thread.h"
 #include "platform/error_text.h"
 
 #include <asio/post.hpp>
@@ -9,7 +10,6 @@
 #include <asio/write.hpp>
 #include <mutex>
 #include <optional>
-#include <thread>
 
 namespace Ftp {
 
@@ -216,7 +216,7 @@ private:
                 wake();
             });
         };
-        std::thread(std::move(ask)).detach();
+        RunDetached(std::move(ask));
     }
 
     void Abandon()

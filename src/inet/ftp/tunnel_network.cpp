@@ -3,11 +3,11 @@
 #include "inet/ftp/failure.h"
 #include "inet/ftp/tunnel_handshake.h"
 #include "inet/ftp/waker.h"
+#include "platform/detached_thread.h"
 
 #include <asio/post.hpp>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <utility>
 
 namespace Ftp {
@@ -149,7 +149,7 @@ private:
                 wake();
             });
         };
-        if (!GivenUp) std::thread(std::move(ask)).detach();
+        if (!GivenUp) RunDetached(std::move(ask));
         while (!GivenUp && !Asked->Answer) co_await Answered.Wait();
         if (GivenUp) throw Failure{Failure::Connection, AbortedError, "The look-up of the proxy was given up."};
         co_return *Asked->Answer;

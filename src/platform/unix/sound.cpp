@@ -1,6 +1,7 @@
 #include "platform/sound.h"
 
 #include "base/byte_text.h"
+#include "platform/detached_thread.h"
 
 #include <QByteArray>
 #include <condition_variable>
@@ -8,7 +9,6 @@
 #include <deque>
 #include <dlfcn.h>
 #include <mutex>
-#include <thread>
 
 namespace {
 
@@ -115,5 +115,5 @@ void SoundPlayer::Play(const QString& path)
     Own->Add(TextToBytes(path));
     if (Own->Started) return;
     Own->Started = true;
-    std::thread([player = Own] { player->Run(); }).detach();
+    RunDetached([player = Own] { player->Run(); });
 }

@@ -2,6 +2,7 @@
 
 #include "base/byte_text.h"
 #include "base/run_time_error.h"
+#include "platform/detached_thread.h"
 
 #include <QByteArrayList>
 #include <QFile>
@@ -11,7 +12,6 @@
 #include <array>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -109,7 +109,7 @@ pid_t Start(const QStringList& words)
     posix_spawnattr_destroy(&attributes);
     if (failure != 0) return 0;
     // Somebody must take notice of its end, or its number is never free again.
-    std::thread([process] { waitpid(process, nullptr, 0); }).detach();
+    RunDetached([process] { waitpid(process, nullptr, 0); });
     return process;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/sound.h"
 
 #include "base/byte_text.h"
+#include "platform/detached_thread.h"
 
 #include <condition_variable>
 #include <deque>
@@ -8,7 +9,6 @@
 #include <mutex>
 #include <string>
 #include <system_error>
-#include <thread>
 #include <utility>
 #include <windows.h>
 
@@ -90,5 +90,5 @@ void SoundPlayer::Play(const QString& path)
     Own->Add(FilePath(path));
     if (Own->Started) return;
     Own->Started = true;
-    std::thread([player = Own] { player->Run(); }).detach();
+    RunDetached([player = Own] { player->Run(); });
 }
