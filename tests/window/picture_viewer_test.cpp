@@ -311,7 +311,7 @@ void PictureViewerTest::TheTitleBarLeavesViewerOpenAndTheNextPictureReopensIt()
 void PictureViewerTest::ASecondPictureReplacesPictureAndTitle()
 {
     Viewer->Show(Write("a.gif", GifOf(50, 50, 2)));
-    QTRY_VERIFY(IsLike(Colour(), Qt::red));
+    QVERIFY(Becomes(Qt::red));
     const QString second = Write("b.bmp", FileOf(Plain(80, 30, Qt::green), "BMP"));
     Viewer->Show(second);
     QTRY_VERIFY(IsLike(Colour(), Qt::green));
