@@ -16,7 +16,7 @@ as_root() {
 build_packages="g++ cmake ninja-build ccache qt6-base-dev qt6-base-dev-tools libgl-dev libasio-dev libboost1.74-dev libssl-dev libxcb1-dev libxcb-randr0-dev pkg-config"
 run_packages="libqt6widgets6 libqt6svg6 qt6-translations-l10n fonts-dejavu-core x11-utils"
 server_packages="python3 python3-openssl openssl"
-test_packages="$server_packages xvfb xauth curl lftp"
+test_packages="$server_packages mold xvfb xauth curl lftp"
 fuzz_packages="clang-16 libclang-rt-16-dev"
 check_packages="git clang-format-14 clang-tidy-16 $fuzz_packages"
 
